@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Verbs.h - the verbs of the wycore command.
+//
+// Each verb lives in its own Verb<Name>.cpp and is listed once in the table of main.cpp. A verb
+// receives its own arguments (without the verb's name), writes its results to standard output and
+// its diagnostics to standard error, and returns the process exit status: 0 success, 1 when the
+// input had errors, 2 for a usage error.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace wycore::tool {
+
+using Args = std::vector<std::string>;
+
+struct Verb {
+  const char* name;
+  const char* summary;  // one line for `wycore --help`
+  const char* usage;    // the full text of `wycore VERB --help`
+  int (*run)(const Args& args);
+};
+
+// The verbs, in the order `wycore --help` lists them.
+const std::vector<Verb>& AllVerbs();
+
+// True when args hold --help or -h; verbs call this first.
+bool WantsHelp(const Args& args);
+
+// Prints "wycore VERB: message" and the verb's usage line to standard error; returns 2.
+int UsageError(const Verb& verb, const std::string& message);
+
+}  // namespace wycore::tool
