@@ -19,6 +19,11 @@ struct Entry {
 };
 
 constexpr Entry kCatalogue[] = {
+    // The function table (the caller posts them with the function's name as %1 and, for 24500,
+    // the number of arguments given as %2).
+    {24499, u"Unknown function '%1'"},
+    {24500, u"Function '%1' does not take %2 argument(s)"},
+    {24501, u"Function '%1' does not take arguments of these kinds"},
     // Variables and name spaces.
     {24540, u"Variable '%1' cannot be defined in terms of itself: %2"},
 };

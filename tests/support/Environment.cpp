@@ -3,6 +3,9 @@
 // Environment.cpp - builds and tears down the process-wide managers for a test run.
 #include "support/Environment.h"
 
+#include "wycore/units/Units.h"
+#include "wycore/value/Value.h"
+
 namespace wycore::test {
 
 void ProcessEnvironment::SetUp() {
@@ -10,8 +13,14 @@ void ProcessEnvironment::SetUp() {
   mPrevious = SetCheckHandler([](const CheckReport& r) {
     ADD_FAILURE_AT(r.file.c_str(), r.line) << "unexpected check: " << r.text;
   });
+  Units::InitializeUnits(nullptr);
+  Value::InitializeValues();
 }
 
-void ProcessEnvironment::TearDown() { SetCheckHandler(std::move(mPrevious)); }
+void ProcessEnvironment::TearDown() {
+  Value::UnInitializeValues();
+  Units::UnInitializeUnits();
+  SetCheckHandler(std::move(mPrevious));
+}
 
 }  // namespace wycore::test

@@ -7,9 +7,21 @@ namespace wycore::tool {
 
 // Add one declaration and one row per verb.
 // int RunCheck(const Args&);  extern const char* const kCheckUsage;
+int RunCheck(const Args&);
+extern const char* const kCheckUsage;
+int RunFmt(const Args&);
+extern const char* const kFmtUsage;
+int RunUnits(const Args&);
+extern const char* const kUnitsUsage;
+int RunConvert(const Args&);
+extern const char* const kConvertUsage;
 
 const std::vector<Verb>& AllVerbs() {
   static const std::vector<Verb> verbs = {
+      {"check", "read storage files and list every error with its line", kCheckUsage, RunCheck},
+      {"fmt", "write a storage file in its canonical text form", kFmtUsage, RunFmt},
+      {"units", "list the unit types, or the units of one type", kUnitsUsage, RunUnits},
+      {"convert", "convert a value with its unit into another unit", kConvertUsage, RunConvert},
   };
   return verbs;
 }

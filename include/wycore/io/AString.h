@@ -17,7 +17,10 @@
 // 32-bit wcstol does, whatever the width of the platform's long.
 //
 // Threading: AString is a plain value type. Format/FormatV share one scratch buffer that is used
-// only under the library's process-wide lock (wycore/core/ProcessLock.h).
+// only under the library's process-wide lock (wycore/core/ProcessLock.h). Code-page conversions
+// keep their iconv descriptors per thread and may run on any number of threads at once.
+//
+// User documentation of these rules: docs/strings.md.
 #pragma once
 
 #include <cstdarg>
@@ -57,12 +60,12 @@ class WYCORE_API AString : public std::basic_string<AChar> {
   AString(const Base& other) : Base(other) {}
   AString(Base&& other) noexcept : Base(std::move(other)) {}
   AString(std::u16string_view view) : Base(view) {}
-  AString(const char* text);                                   // encoding 0
-  AString(const char* text, std::int64_t length);              // encoding 0
+  AString(const char* text);                       // encoding 0
+  AString(const char* text, std::int64_t length);  // encoding 0
   AString(const AChar* text);
   AString(const AChar* text, std::int64_t length);
-  AString(const wchar_t* text);                                // UTF-32
-  AString(const wchar_t* text, std::int64_t length);           // UTF-32
+  AString(const wchar_t* text);                       // UTF-32
+  AString(const wchar_t* text, std::int64_t length);  // UTF-32
   AString(i18n::TEncoding encoding, const char* text);
   AString(i18n::TEncoding encoding, const char* text, std::int64_t length);
   AString(size_type count, char c);
@@ -92,13 +95,17 @@ class WYCORE_API AString : public std::basic_string<AChar> {
   AString& assign(size_type count, char c);
   AString& assign(size_type count, char c, i18n::TEncoding encoding);
   AString& assign(size_type count, AChar c);
+  AString& assign(size_type count, wchar_t c);
 
   // The two workers: narrow text in `encoding`, and wide text (the encoding is not used for
   // wide text; it is kept so both workers share one shape).
   AString& do_assign(i18n::TEncoding encoding, const char* text, std::int64_t length);
   AString& do_assign(i18n::TEncoding encoding, const AChar* text, std::int64_t length);
 
-  // Narrow forms. Characters the encoding cannot hold become iconv's replacement ('?').
+  // Narrow forms. Characters the encoding cannot hold become '?' (one per character, a surrogate
+  // pair included); malformed UTF-16 (an unpaired surrogate) becomes '?', or U+FFFD in UTF-8.
+  // Narrow input that does not decode gives one U+FFFD per bad byte. An encoding value outside
+  // 0..4 (say, read from a damaged file) is taken as encoding 0.
   std::string Serialize(i18n::TEncoding encoding) const;
   std::string TStr() const { return Serialize(i18n::kSystemEncoding); }
   // The text as UTF-32 wchar_t, for the C runtime's wide functions.
@@ -107,14 +114,17 @@ class WYCORE_API AString : public std::basic_string<AChar> {
 
   // Ordinal comparison by 16-bit code unit; a prefix sorts first. Results are -1, 0 or 1.
   int Compare(const AString& other) const;
+  // Slice form; a `pos` beyond the end gives an empty slice (no exception).
   int Compare(size_type pos, size_type count, const AString& other) const;
   // Case-blind comparison, character by character up to the first zero character.
   int CompareNoCase(const AString& other) const;
   // Slice form: -1 when the slice is empty (or starts beyond the end) and `other` is not empty;
   // 0 when both are empty.
   int CompareNoCase(size_type pos, size_type count, const AString& other) const;
-  int Collate(const AString& other) const;        // wcscoll in the current locale
-  int CollateNoCase(const AString& other) const;  // wcscoll of the case-folded texts
+  // wcscoll of UTF-32 copies in the current LC_COLLATE locale, reduced to -1, 0 or 1; the
+  // no-case form collates the texts folded by the rule above.
+  int Collate(const AString& other) const;
+  int CollateNoCase(const AString& other) const;
 
   AString& MakeLower();
   AString& MakeUpper();
@@ -124,17 +134,22 @@ class WYCORE_API AString : public std::basic_string<AChar> {
   // Non-empty; first character alphabetic or '_', the rest alphanumeric or '_'.
   bool IsLabel() const;
 
-  // Whole text (trailing white space allowed) as an integer in `base` (0, 2..36 as wcstol).
-  // Refuses the saturated values 2147483647 and -2147483648.
+  // Whole text (trailing white space allowed) as an integer in `base` (0, 2..36 as wcstol,
+  // leading white space and sign accepted, "0x" with base 0 or 16). Refuses the saturated values
+  // 2147483647 and -2147483648, so a number outside the 32-bit range is refused too. `value`
+  // receives what was read even when the text is refused (0 when nothing was taken).
   bool IsNumber(long& value, int base = 10) const;
-  // A leading integer; `rest` receives the unparsed remainder.
+  // A leading integer; `rest` receives the unparsed remainder as it stands (" V" of "12 V"; the
+  // whole text when nothing was taken). Fails when nothing was taken or the value saturated.
   bool IsNumber(int& value, AString& rest, int base = 10) const;
   bool IsNumber(long& value, AString& rest, int base = 10) const;
-  // Whole text (trailing white space allowed) as a double, as wcstod reads it.
+  // Whole text (trailing white space allowed) as a double, as wcstod reads it in the "C" locale:
+  // hexadecimal, "inf", "infinity" and "nan" included; an overflow reads as infinity.
   bool IsNumber(double& value) const;
-  // A leading double; `rest` receives the remaining text (empty when nothing remains).
+  // A leading double; `rest` receives the remaining text as it stands (empty when nothing
+  // remains; the whole text when nothing was taken).
   bool IsNumber(double& value, AString& rest) const;
-  // Splits into the leading number's characters and the rest.
+  // Splits into the leading number's characters (leading white space left out) and the rest.
   bool IsNumber(AString& number, AString& rest) const;
 
   // Slices return copies; out-of-range arguments are clamped. Negative counts give empty text.
@@ -151,13 +166,17 @@ class WYCORE_API AString : public std::basic_string<AChar> {
   AString& TrimLeft(const AChar* set);
   AString& TrimRight(const AChar* set);
 
-  // printf-style formatting that replaces the text. Conversions follow the C runtime's rules,
-  // except that %s and %c take 16-bit text (const AChar*) and characters, as the library's wide
-  // printf does; %hs takes narrow text. A null format fires the check "format != 0".
+  // printf-style formatting that replaces the text. Conversions follow the C runtime's rules in
+  // the "C" locale, except that %s and %c take 16-bit text (const AChar*) and characters; %hs/%S
+  // and %hc/%C take narrow (UTF-8) text and characters, %ls/%ws and %lc take wchar_t (UTF-32).
+  // Widths and precisions of text count 16-bit units. %n writes nothing (its argument is
+  // skipped); an unknown conversion is copied as it stands. A null format fires the check
+  // "format != 0" and leaves the string empty, as does a result too long for any buffer.
   AString& Format(const AChar* format, ...);
   AString& FormatV(const AChar* format, va_list args);
 
   // Appends the pieces between delimiter characters to `out`; returns how many were appended.
+  // Null delimiters count as none.
   std::size_t TokenizeString(const AChar* delimiters, std::vector<AString>& out,
                              bool keepDelimiters = false) const;
   // Copies the piece with index n (from 0); false when there is no such piece or out is null.
@@ -167,9 +186,11 @@ class WYCORE_API AString : public std::basic_string<AChar> {
   bool Match(const AString& pattern) const;
   bool MatchNoCase(const AString& pattern) const;
   // With captures: the text that each wildcard matched, in pattern order (appended to
-  // `captures`); `noCase` selects case-blind comparison.
+  // `captures`, only on a match); `noCase` selects case-blind comparison. Every '*' takes the
+  // shortest run that still lets the whole text match ("*.*" on "a.b.c" gives "a", "b.c").
   bool Match(const AString& pattern, std::vector<AString>& captures, bool noCase) const;
-  // Fills the outputs in turn from the captures; a null pointer skips its capture.
+  // Case-sensitive. On a match, output k receives capture k (a null pointer skips its capture; an
+  // output without a capture is emptied); on no match the outputs are left alone.
   bool Match(const AString& pattern, AString* c0, AString* c1 = nullptr, AString* c2 = nullptr,
              AString* c3 = nullptr, AString* c4 = nullptr, AString* c5 = nullptr,
              AString* c6 = nullptr, AString* c7 = nullptr, AString* c8 = nullptr,
@@ -222,9 +243,11 @@ WYCORE_API AChar UpperCase(AChar c);
 WYCORE_API int ACharStrICmp(const AChar* a, const AChar* b);
 WYCORE_API int ACharStrNICmp(const AChar* a, const AChar* b, std::size_t n);
 
-// Conversions between wide and narrow text. `length` -1 means up to the terminating zero.
-// Return the number of bytes (characters) written to `out`, which is replaced; 0 for empty or
-// null input.
+// Conversions between wide and narrow text. `length` -1 means up to the terminating zero (other
+// negative lengths fire the check "length >= -1"). Return the number of bytes (characters)
+// written to `out`, which is replaced; 0 for empty or null input. The narrow buffer starts at
+// four bytes per character (one per character, plus one, for encoding 3), is grown when that is
+// short, and never exceeds 2,147,483,647 bytes.
 WYCORE_API int WideToMultiByte(TEncoding encoding, const AChar* text, int length, std::string& out);
 WYCORE_API int WideToMultiByteLen(TEncoding encoding, const AChar* text, int length);
 WYCORE_API int MultiByteToWide(TEncoding encoding, const char* text, int length, AString& out);
@@ -246,16 +269,22 @@ WYCORE_API AString RemoveSingleQuotes(const AString& s);
 WYCORE_API bool OpensWithDoubleQuote(const AString& s);
 WYCORE_API bool ClosesWithDoubleQuote(const AString& s);
 WYCORE_API AChar GetMatchingFirstAndLastChars(const AString& s);
+// The trailing decimal number plus one in place of the trailing digits ("Box9" gives "Box10",
+// "Box007" gives "Box8"); "1" appended when there is none. Numbers of any length are handled.
 WYCORE_API AString IncrementName(const AString& s);
 // Splits `s` into its base and trailing decimal number. With `keepLeadingZeros`, zeros leading
 // the trailing digits stay in `name` so that name + number rebuilds `s` ("Box007" gives "Box00"
 // and 7); without it they are dropped ("Box" and 7). True when there was a trailing number.
+// Trailing digits beyond the 32-bit range do not count as a number: false, `name` = `s`, 0.
 WYCORE_API bool ParseName(const AString& s, AString& name, long& number, bool keepLeadingZeros);
 WYCORE_API bool IsAlphaNumeric(const AString& s, const AString& extra);
+// Items joined by the list separator, with a blank after each separator when `addBlank`;
+// numbers printed with `format` (null: "%g"), texts in double quotes when `quote`.
 WYCORE_API AString GetCommaDelimitedString(const std::vector<double>& values, const AChar* format,
                                            bool addBlank);
 WYCORE_API AString GetCommaDelimitedString(const std::vector<AString>& values, bool addBlank,
                                            bool quote);
+// "%d" of the value, and the value printed with `format` (null: "%g").
 WYCORE_API AString MakeNumberString(int value);
 WYCORE_API AString MakeNumberString(const AChar* format, double value);
 WYCORE_API AString ConvertNLtoNLCR(const AString& s);

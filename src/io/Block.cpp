@@ -1,0 +1,909 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Block.cpp - the block tree: building, extraction, reading with error collection, writing.
+//
+// Reading is recursive descent over the stream's tokens; the recursion (blocks in blocks,
+// functions in functions) is bounded by the stream's nesting limit, so that no input can take
+// the reader deeper than that. Every item is on one line in the text form, which is what makes
+// "skip to the next line" a sound resynchronisation after a bad item.
+#include "wycore/io/Block.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <typeinfo>
+
+#include "wycore/core/Check.h"
+#include "wycore/core/Utf.h"
+#include "wycore/io/TextStream.h"
+
+namespace io {
+
+namespace {
+
+using E = XStreamioError;
+
+const CToken_grammar& Grammar() {
+  static const CToken_grammar grammar;
+  return grammar;
+}
+
+AString Num(long long n) { return AString(wycore::Utf8ToUtf16(std::to_string(n))); }
+
+AChar SymbolOf(const CToken& token) {
+  return token.IsSymbol() && token.ACharLen() == 1 ? token.ACharPtr()[0] : 0;
+}
+
+bool SameToken(const CToken& a, const CToken& b) {
+  if (a.Type() != b.Type()) return false;
+  if (a.IsNumber() && std::isnan(a.Value()) && std::isnan(b.Value())) return true;
+  return a == b;
+}
+
+bool NameMatches(const CToken& token, const AString& name) {
+  if (token.IsString())
+    return std::u16string_view(token.ACharPtr(), token.ACharLen()) == name.View();
+  return TokenNameText(token) == name;
+}
+
+// A token as the messages name it.
+AString Describe(const CToken& token) {
+  AString text = token.GetAString();
+  if (text.size() > 40) text = text.Left(37) + u"...";
+  switch (token.Type()) {
+    case CToken::Null:
+      return AString(u"nothing");
+    case CToken::Eol:
+      return AString(u"the end of the line");
+    case CToken::Eof:
+      return AString(u"the end of the input");
+    case CToken::Error: {
+      char buf[16];
+      const unsigned code = token.ACharLen() > 0 ? token.ACharPtr()[0] : 0u;
+      std::snprintf(buf, sizeof buf, "U+%04X", code);
+      return u"the unknown character " + AString(wycore::Utf8ToUtf16(buf));
+    }
+    case CToken::Symbol:
+      return u"the symbol '" + text + u"'";
+    case CToken::Keyword:
+      return u"the keyword " + text;
+    case CToken::True:
+    case CToken::False:
+    case CToken::Short:
+    case CToken::Int:
+    case CToken::Long:
+    case CToken::UnsignedShort:
+    case CToken::UnsignedInt:
+    case CToken::UnsignedLong:
+    case CToken::Double:
+    case CToken::Float:
+    case CToken::Hex:
+      return u"the value " + TokenNameText(token);
+    case CToken::SingleQuotedText:
+    case CToken::DoubleQuotedText:
+    case CToken::CData:
+    case CToken::WhiteSpace:
+    case CToken::Comment:
+      return u"the text '" + text + u"'";
+  }
+  return AString(u"an unknown token");
+}
+
+// Values and names are written so that they read back: a token that cannot stand in its place
+// (a symbol, a Null or control token) goes out as a text of its characters.
+void WriteValue(const CToken& value, CAbstract_ostream& stream) {
+  if (CanStandAsValue(value)) {
+    value.write(stream);
+  } else {
+    CToken(CToken::SingleQuotedText, value.GetAString()).write(stream);
+  }
+}
+
+void WriteName(const CToken& name, CAbstract_ostream& stream) {
+  if (CanStandAsName(name)) {
+    name.write(stream);
+  } else {
+    CToken(CToken::SingleQuotedText, name.GetAString()).write(stream);
+  }
+}
+
+AString Quoted(const CToken& name) { return u"'" + TokenNameText(name) + u"'"; }
+
+class NestingGuard {
+ public:
+  explicit NestingGuard(CAbstract_istream& stream)
+      : mStream(stream), mEntered(stream.EnterNesting()) {}
+  ~NestingGuard() {
+    if (mEntered) mStream.LeaveNesting();
+  }
+  NestingGuard(const NestingGuard&) = delete;
+  NestingGuard& operator=(const NestingGuard&) = delete;
+  explicit operator bool() const { return mEntered; }
+
+ private:
+  CAbstract_istream& mStream;
+  bool mEntered;
+};
+
+[[noreturn]] void RaiseTooDeep(const CAbstract_istream& stream) {
+  stream.Raise(E::kTooDeep, u"blocks and functions are nested deeper than " +
+                                Num(stream.MaxDepth()) + u" levels");
+}
+
+void RaiseUnterminated(const CAbstract_istream& stream) {
+  if (stream.TokenUnterminated()) {
+    stream.Raise(E::kBadValue, Describe(stream.Token()) + u" has no closing quote");
+  }
+}
+
+// One function argument: a value, or a named value, vector or function by the symbol after it.
+CBlockPtr ReadArgument(CAbstract_istream& stream, const CToken& funcName) {
+  const CToken first = stream.Token();
+  if (!CanStandAsValue(first)) {
+    stream.Raise(E::kBadFunction,
+                 u"an argument of " + Quoted(funcName) + u" is missing: found " + Describe(first));
+  }
+  RaiseUnterminated(stream);
+  stream.NextToken();
+  const AChar symbol = SymbolOf(stream.Token());
+  if (symbol != u'=' && symbol != u'[' && symbol != u'(') {
+    return CBlockPtr(new CBlock_value(first));
+  }
+  if (!CanStandAsName(first)) {
+    stream.Raise(E::kNotAName,
+                 Describe(first) + u" cannot name an argument of " + Quoted(funcName));
+  }
+  if (symbol == u'=') {
+    CBlock_ptr<CBlock_named_value> value(new CBlock_named_value);
+    value->SetNameToken(first);
+    value->ReadRest(stream);
+    return value;
+  }
+  if (symbol == u'[') {
+    CBlockVecPtr vec(new CBlock_vec);
+    vec->SetNameToken(first);
+    vec->ReadRest(stream);
+    return vec;
+  }
+  CBlockFuncPtr func(new CBlock_func);
+  func->SetNameToken(first);
+  func->ReadRest(stream);
+  return func;
+}
+
+// Reads a whole item of type T from `text` into `target`.
+template <class T>
+bool UnpackItem(const AString& text, T& target) {
+  CToken_istream stream(text);
+  stream.SkipEols();
+  try {
+    CBlockPtr item;
+    item.read(stream);
+    stream.SkipEols();
+    const CBlock_item& read = *item;
+    if (!stream.Token().IsEof() || typeid(read) != typeid(T)) return false;
+    const T& typed = static_cast<const T&>(read);
+    if constexpr (std::is_same_v<T, CBlock>) {
+      if (!typed.CollectErrors().empty()) return false;
+    }
+    target = typed;
+    return true;
+  } catch (const XStreamioError&) {
+    return false;
+  }
+}
+
+}  // namespace
+
+// ---------------------------------------------------------------------------------------------
+// The item reader
+
+CBlockPtr ReadBlockItem(CAbstract_istream& stream) {
+  const CToken first = stream.Token();
+  if (!CanStandAsName(first)) {
+    if (first.IsText()) stream.Raise(E::kNotAName, AString(u"an empty text cannot name an item"));
+    stream.Raise(E::kNotAName, Describe(first) + u" cannot start an item");
+  }
+  if (stream.IsBeginBlock()) {
+    NestingGuard guard(stream);
+    if (!guard) {
+      const int line = stream.Line();
+      const int column = stream.Column();
+      stream.SkipBlock();
+      throw XStreamioError(
+          E::kTooDeep,
+          u"blocks and functions are nested deeper than " + Num(stream.MaxDepth()) + u" levels",
+          line, column);
+    }
+    CBlock_ptr<CBlock> block(new CBlock);
+    block->read(stream);
+    return block;
+  }
+  RaiseUnterminated(stream);
+  stream.NextToken();
+  switch (SymbolOf(stream.Token())) {
+    case u'=': {
+      CBlock_ptr<CBlock_named_value> value(new CBlock_named_value);
+      value->SetNameToken(first);
+      value->ReadRest(stream);
+      return value;
+    }
+    case u'[': {
+      CBlockVecPtr vec(new CBlock_vec);
+      vec->SetNameToken(first);
+      vec->ReadRest(stream);
+      return vec;
+    }
+    case u'(': {
+      CBlockFuncPtr func(new CBlock_func);
+      func->SetNameToken(first);
+      func->ReadRest(stream);
+      return func;
+    }
+    default:
+      stream.Raise(E::kNoItem, Quoted(first) + u" is followed by " + Describe(stream.Token()) +
+                                   u", which starts no item (expected '=', '(' or '[')");
+  }
+}
+
+// ---------------------------------------------------------------------------------------------
+// CBlock_item
+
+void CBlock_item::Name(const AString& name) {
+  if (name.empty()) {
+    mName.Clear();
+  } else if (Grammar().IsPlainKeyword(name) && name != u"$begin" && name != u"$end") {
+    mName = CToken(CToken::Keyword, name);
+  } else {
+    mName = CToken(CToken::SingleQuotedText, name);
+  }
+}
+
+AString CBlock_item::Name() const { return TokenNameText(mName); }
+
+#define WYCORE_DEFINE_QUERY(T) \
+  bool CBlock_item::Query(T& /*value*/) const { return false; }
+WYCORE_BLOCK_QUERY_TYPES(WYCORE_DEFINE_QUERY)
+#undef WYCORE_DEFINE_QUERY
+bool CBlock_item::Query(AChar* /*buffer*/) const { return false; }
+
+// ---------------------------------------------------------------------------------------------
+// CBlock_value
+
+void CBlock_value::Name(const AString& /*name*/) { WY_CHECK(!"a plain value has no name"); }
+
+void CBlock_value::SetNameToken(const CToken& /*name*/) { WY_CHECK(!"a plain value has no name"); }
+
+std::size_t CBlock_value::SizeOf(bool includeSelf) const {
+  return mName.SizeOf(false) + mValue.SizeOf(false) + (includeSelf ? sizeof(*this) : 0);
+}
+
+std::size_t CBlock_value::BinarySize(const CAbstract_ostream& stream) const {
+  return mValue.BinarySize(stream);
+}
+
+bool CBlock_value::Unpack(const AString& text) {
+  CToken_istream stream(text);
+  stream.SkipEols();
+  const CToken value = stream.Token();
+  if (!CanStandAsValue(value) || stream.TokenUnterminated()) return false;
+  stream.NextToken();
+  stream.SkipEols();
+  if (!stream.Token().IsEof()) return false;
+  mValue = value;
+  return true;
+}
+
+bool CBlock_value::Equals(const CBlock_item& other) const {
+  if (typeid(other) != typeid(*this)) return false;
+  const auto& o = static_cast<const CBlock_value&>(other);
+  return SameToken(mName, o.mName) && SameToken(mValue, o.mValue);
+}
+
+#define WYCORE_DEFINE_QUERY(T) \
+  bool CBlock_value::Query(T& value) const { return mValue.Query(value); }
+WYCORE_BLOCK_QUERY_TYPES(WYCORE_DEFINE_QUERY)
+#undef WYCORE_DEFINE_QUERY
+bool CBlock_value::Query(AChar* buffer) const { return mValue.Query(buffer); }
+
+void CBlock_value::read(CAbstract_istream& stream) {
+  const CToken value = stream.Token();
+  if (!CanStandAsValue(value)) {
+    stream.Raise(E::kBadValue, Describe(value) + u" cannot stand as a value");
+  }
+  RaiseUnterminated(stream);
+  mValue = value;
+  stream.NextToken();
+}
+
+void CBlock_value::write(CAbstract_ostream& stream) const { WriteValue(mValue, stream); }
+
+// ---------------------------------------------------------------------------------------------
+// CBlock_named_value
+
+std::size_t CBlock_named_value::BinarySize(const CAbstract_ostream& stream) const {
+  return mName.BinarySize(stream) + CToken(CToken::Symbol, u'=').BinarySize(stream) +
+         mValue.BinarySize(stream);
+}
+
+bool CBlock_named_value::Unpack(const AString& text) { return UnpackItem(text, *this); }
+
+void CBlock_named_value::read(CAbstract_istream& stream) {
+  const CToken name = stream.Token();
+  if (!CanStandAsName(name)) stream.Raise(E::kNotAName, Describe(name) + u" cannot name a value");
+  RaiseUnterminated(stream);
+  stream.NextToken();
+  if (SymbolOf(stream.Token()) != u'=') {
+    stream.Raise(E::kNoItem,
+                 u"'=' expected after " + Quoted(name) + u", found " + Describe(stream.Token()));
+  }
+  mName = name;
+  ReadRest(stream);
+}
+
+void CBlock_named_value::ReadRest(CAbstract_istream& stream) {
+  stream.NextToken();  // '='
+  const CToken value = stream.Token();
+  if (!CanStandAsValue(value)) {
+    stream.Raise(E::kBadValue,
+                 u"the value of " + Quoted(mName) + u" is missing: found " + Describe(value));
+  }
+  RaiseUnterminated(stream);
+  mValue = value;
+  stream.NextToken();
+}
+
+void CBlock_named_value::write(CAbstract_ostream& stream) const {
+  WriteName(mName, stream);
+  stream.WriteSymbol(u'=');
+  WriteValue(mValue, stream);
+}
+
+// ---------------------------------------------------------------------------------------------
+// CBlock_vec
+
+std::size_t CBlock_vec::SizeOf(bool includeSelf) const {
+  std::size_t size = mName.SizeOf(false) + mTokens.capacity() * sizeof(CToken);
+  for (const CToken& token : mTokens) size += token.SizeOf(false);
+  return size + (includeSelf ? sizeof(*this) : 0);
+}
+
+std::size_t CBlock_vec::BinarySize(const CAbstract_ostream& stream) const {
+  const std::size_t n = mTokens.size();
+  std::size_t size = mName.BinarySize(stream) +
+                     CToken(CToken::Int, static_cast<double>(n)).BinarySize(stream) +
+                     3 * CToken(CToken::Symbol, u'[').BinarySize(stream);  // '[', ':' and ']'
+  for (const CToken& token : mTokens) size += token.BinarySize(stream);
+  if (n > 1 && !stream.CompactVectors()) {
+    size += (n - 1) * CToken(CToken::Symbol, u',').BinarySize(stream);
+  }
+  return size;
+}
+
+bool CBlock_vec::Unpack(const AString& text) { return UnpackItem(text, *this); }
+
+bool CBlock_vec::Equals(const CBlock_item& other) const {
+  if (typeid(other) != typeid(*this)) return false;
+  const auto& o = static_cast<const CBlock_vec&>(other);
+  if (!SameToken(mName, o.mName) || mTokens.size() != o.mTokens.size()) return false;
+  for (std::size_t i = 0; i < mTokens.size(); ++i) {
+    if (!SameToken(mTokens[i], o.mTokens[i])) return false;
+  }
+  return true;
+}
+
+#define WYCORE_DEFINE_QUERY(T) \
+  bool CBlock_vec::Query(T& value) const { return !mTokens.empty() && mTokens[0].Query(value); }
+WYCORE_BLOCK_QUERY_TYPES(WYCORE_DEFINE_QUERY)
+#undef WYCORE_DEFINE_QUERY
+bool CBlock_vec::Query(AChar* buffer) const { return !mTokens.empty() && mTokens[0].Query(buffer); }
+
+const CToken& CBlock_vec::Item(unsigned int position) const {
+  static const CToken empty;
+  return position < mTokens.size() ? mTokens[position] : empty;
+}
+
+void CBlock_vec::read(CAbstract_istream& stream) {
+  const CToken name = stream.Token();
+  if (!CanStandAsName(name)) stream.Raise(E::kNotAName, Describe(name) + u" cannot name a vector");
+  RaiseUnterminated(stream);
+  stream.NextToken();
+  if (SymbolOf(stream.Token()) != u'[') {
+    stream.Raise(E::kNoItem,
+                 u"'[' expected after " + Quoted(name) + u", found " + Describe(stream.Token()));
+  }
+  mName = name;
+  ReadRest(stream);
+}
+
+void CBlock_vec::ReadRest(CAbstract_istream& stream) {
+  mTokens.clear();
+  stream.NextToken();  // '['
+  const CToken count = stream.Token();
+  const double n = count.Value();
+  if (!count.IsNumber() || !count.IsUnsignedInt() || n != std::trunc(n)) {
+    stream.Raise(E::kBadVector, u"the count of vector " + Quoted(mName) +
+                                    u" must be a whole number: found " + Describe(count));
+  }
+  const auto expected = static_cast<std::size_t>(n);
+  stream.NextToken();
+  if (SymbolOf(stream.Token()) != u':') {
+    stream.Raise(E::kBadVector, u"':' expected after the count of vector " + Quoted(mName) +
+                                    u", found " + Describe(stream.Token()));
+  }
+  stream.NextToken();
+  // The count comes from the input: reserve only a modest amount up front.
+  mTokens.reserve(std::min<std::size_t>(expected, 4096));
+  for (std::size_t i = 0; i < expected; ++i) {
+    if (i > 0 && SymbolOf(stream.Token()) == u',') stream.NextToken();
+    const CToken& token = stream.Token();
+    if (SymbolOf(token) == u']') {
+      stream.Raise(E::kBadVector,
+                   u"vector " + Quoted(mName) + u" holds " + Num(static_cast<long long>(i)) +
+                       u" tokens, fewer than its count " + Num(static_cast<long long>(expected)));
+    }
+    if (!CanStandAsValue(token)) {
+      stream.Raise(E::kBadVector, Describe(token) + u" cannot stand in vector " + Quoted(mName));
+    }
+    RaiseUnterminated(stream);
+    mTokens.push_back(token);
+    stream.NextToken();
+  }
+  const CToken& end = stream.Token();
+  if (SymbolOf(end) != u']') {
+    if (CanStandAsValue(end) || SymbolOf(end) == u',') {
+      stream.Raise(E::kBadVector, u"vector " + Quoted(mName) +
+                                      u" holds more tokens than its count " +
+                                      Num(static_cast<long long>(expected)));
+    }
+    stream.Raise(E::kBadVector,
+                 u"']' expected to close vector " + Quoted(mName) + u", found " + Describe(end));
+  }
+  stream.NextToken();
+}
+
+void CBlock_vec::write(CAbstract_ostream& stream) const {
+  WriteName(mName, stream);
+  stream.WriteSymbol(u'[');
+  const bool hex = stream.Hex(false);  // counts are always decimal
+  stream.WriteUnsignedInt(static_cast<std::uint32_t>(mTokens.size()));
+  stream.Hex(hex);
+  stream.WriteSymbol(u':');
+  const bool compact = stream.CompactVectors();
+  for (std::size_t i = 0; i < mTokens.size(); ++i) {
+    if (i > 0 && !compact) stream.WriteSymbol(u',');
+    if (!compact) stream.WriteBlank();
+    WriteValue(mTokens[i], stream);
+  }
+  stream.WriteSymbol(u']');
+}
+
+// ---------------------------------------------------------------------------------------------
+// CBlock_func
+
+CBlock_func::CBlock_func(const CBlock_func& other) : CBlock_item(other) {
+  mArgs.reserve(other.mArgs.size());
+  for (const CBlockPtr& arg : other.mArgs) mArgs.emplace_back(arg->Clone());
+}
+
+CBlock_func& CBlock_func::operator=(const CBlock_func& other) {
+  if (this != &other) {
+    CBlock_func copy(other);
+    *this = std::move(copy);
+  }
+  return *this;
+}
+
+std::size_t CBlock_func::SizeOf(bool includeSelf) const {
+  std::size_t size = mName.SizeOf(false) + mArgs.capacity() * sizeof(CBlockPtr);
+  for (const CBlockPtr& arg : mArgs) size += arg->SizeOf(true);
+  return size + (includeSelf ? sizeof(*this) : 0);
+}
+
+std::size_t CBlock_func::BinarySize(const CAbstract_ostream& stream) const {
+  std::size_t size = mName.BinarySize(stream) + 2 * CToken(CToken::Symbol, u'(').BinarySize(stream);
+  for (const CBlockPtr& arg : mArgs) size += arg->BinarySize(stream);
+  if (mArgs.size() > 1)
+    size += (mArgs.size() - 1) * CToken(CToken::Symbol, u',').BinarySize(stream);
+  return size;
+}
+
+bool CBlock_func::Unpack(const AString& text) { return UnpackItem(text, *this); }
+
+bool CBlock_func::Equals(const CBlock_item& other) const {
+  if (typeid(other) != typeid(*this)) return false;
+  const auto& o = static_cast<const CBlock_func&>(other);
+  if (!SameToken(mName, o.mName) || mArgs.size() != o.mArgs.size()) return false;
+  for (std::size_t i = 0; i < mArgs.size(); ++i) {
+    if (!mArgs[i]->Equals(*o.mArgs[i])) return false;
+  }
+  return true;
+}
+
+#define WYCORE_DEFINE_QUERY(T) \
+  bool CBlock_func::Query(T& value) const { return !mArgs.empty() && mArgs[0]->Query(value); }
+WYCORE_BLOCK_QUERY_TYPES(WYCORE_DEFINE_QUERY)
+#undef WYCORE_DEFINE_QUERY
+bool CBlock_func::Query(AChar* buffer) const { return !mArgs.empty() && mArgs[0]->Query(buffer); }
+
+CBlock_func& CBlock_func::operator<<(const CBlockPtr& arg) {
+  if (WY_CHECK(arg && !arg->IsBlock())) mArgs.push_back(arg);
+  return *this;
+}
+
+CBlock_func& CBlock_func::operator<<(const CBlock_value& arg) {
+  mArgs.emplace_back(arg.Clone());
+  return *this;
+}
+
+CBlock_func& CBlock_func::operator<<(const CBlock_vec& arg) {
+  mArgs.emplace_back(arg.Clone());
+  return *this;
+}
+
+CBlock_func& CBlock_func::operator<<(const CBlock_func& arg) {
+  mArgs.emplace_back(arg.Clone());
+  return *this;
+}
+
+bool CBlock_func::QueryUnamedValues(const_iterator& it, CBlockFuncPtr& func) const {
+  for (; it != mArgs.end(); ++it) {
+    if ((*it)->IsFunc()) {
+      func = CBlockFuncPtr(static_cast<CBlock_func*>(it->get()));
+      ++it;
+      return true;
+    }
+  }
+  return false;
+}
+
+void CBlock_func::read(CAbstract_istream& stream) {
+  const CToken name = stream.Token();
+  if (!CanStandAsName(name))
+    stream.Raise(E::kNotAName, Describe(name) + u" cannot name a function");
+  RaiseUnterminated(stream);
+  stream.NextToken();
+  if (SymbolOf(stream.Token()) != u'(') {
+    stream.Raise(E::kNoItem,
+                 u"'(' expected after " + Quoted(name) + u", found " + Describe(stream.Token()));
+  }
+  mName = name;
+  ReadRest(stream);
+}
+
+void CBlock_func::ReadRest(CAbstract_istream& stream) {
+  mArgs.clear();
+  NestingGuard guard(stream);
+  if (!guard) RaiseTooDeep(stream);
+  stream.NextToken();  // '('
+  if (SymbolOf(stream.Token()) == u')') {
+    stream.NextToken();
+    return;
+  }
+  for (;;) {
+    mArgs.push_back(ReadArgument(stream, mName));
+    const AChar symbol = SymbolOf(stream.Token());
+    if (symbol == u',') {
+      stream.NextToken();
+    } else if (symbol == u')') {
+      stream.NextToken();
+      return;
+    } else {
+      stream.Raise(E::kBadFunction, u"',' or ')' expected in the arguments of " + Quoted(mName) +
+                                        u", found " + Describe(stream.Token()));
+    }
+  }
+}
+
+void CBlock_func::write(CAbstract_ostream& stream) const {
+  WriteName(mName, stream);
+  stream.WriteSymbol(u'(');
+  for (std::size_t i = 0; i < mArgs.size(); ++i) {
+    if (i > 0) {
+      stream.WriteSymbol(u',');
+      stream.WriteBlank();
+    }
+    mArgs[i]->write(stream);
+  }
+  stream.WriteSymbol(u')');
+}
+
+// ---------------------------------------------------------------------------------------------
+// CBlock
+
+CBlock::CBlock(const CBlock& other) : CBlock_item(other), mErrors(other.mErrors) {
+  mItems.reserve(other.mItems.size());
+  for (const CBlockPtr& item : other.mItems) mItems.emplace_back(item->Clone());
+}
+
+CBlock& CBlock::operator=(const CBlock& other) {
+  if (this != &other) {
+    CBlock copy(other);
+    *this = std::move(copy);
+  }
+  return *this;
+}
+
+CBlock::CBlock(CBlock&& other) noexcept
+    : CBlock_item(other), mItems(std::move(other.mItems)), mErrors(std::move(other.mErrors)) {
+  other.mCursor = 0;
+}
+
+CBlock& CBlock::operator=(CBlock&& other) noexcept {
+  if (this != &other) {
+    mName = other.mName;
+    mItems = std::move(other.mItems);
+    mErrors = std::move(other.mErrors);
+    mCursor = 0;
+    mFound = false;
+    other.mCursor = 0;
+  }
+  return *this;
+}
+
+void CBlock::Name(const AString& name) {
+  if (name.empty()) {
+    mName.Clear();
+  } else {
+    mName = CToken(CToken::SingleQuotedText, name);
+  }
+}
+
+std::size_t CBlock::SizeOf(bool includeSelf) const {
+  std::size_t size = mName.SizeOf(false) + mItems.capacity() * sizeof(CBlockPtr) +
+                     mErrors.size() * sizeof(XStreamioError);
+  for (const CBlockPtr& item : mItems) size += item->SizeOf(true);
+  return size + (includeSelf ? sizeof(*this) : 0);
+}
+
+std::size_t CBlock::BinarySize(const CAbstract_ostream& stream) const {
+  const std::size_t eol = CToken(CToken::Eol).BinarySize(stream);
+  std::size_t size = CToken(CToken::Keyword, AString(u"$begin")).BinarySize(stream) +
+                     CToken(CToken::Keyword, AString(u"$end")).BinarySize(stream) +
+                     2 * mName.BinarySize(stream) + eol;
+  for (const CBlockPtr& item : mItems) size += item->BinarySize(stream) + eol;
+  return size;
+}
+
+void CBlock::Clear() {
+  mItems.clear();
+  mErrors.clear();
+  mCursor = 0;
+  mFound = false;
+}
+
+bool CBlock::Unpack(const AString& text) { return UnpackItem(text, *this); }
+
+bool CBlock::Equals(const CBlock_item& other) const {
+  if (typeid(other) != typeid(*this)) return false;
+  const auto& o = static_cast<const CBlock&>(other);
+  if (!SameToken(mName, o.mName) || mItems.size() != o.mItems.size()) return false;
+  for (std::size_t i = 0; i < mItems.size(); ++i) {
+    if (!mItems[i]->Equals(*o.mItems[i])) return false;
+  }
+  return true;
+}
+
+const CBlock_item* CBlock::Find(const AString& name) const {
+  for (const CBlockPtr& item : mItems) {
+    if (NameMatches(item->NameToken(), name)) return item.get();
+  }
+  return nullptr;
+}
+
+const CBlock* CBlock::FindBlock(const AString& name) const {
+  for (const CBlockPtr& item : mItems) {
+    if (item->IsBlock() && NameMatches(item->NameToken(), name)) {
+      return static_cast<const CBlock*>(item.get());
+    }
+  }
+  return nullptr;
+}
+
+CBlock& CBlock::operator<<(const CBlock& block) {
+  mItems.emplace_back(block.Clone());
+  return *this;
+}
+
+CBlock& CBlock::operator<<(const CBlock_named_value& value) {
+  mItems.emplace_back(value.Clone());
+  return *this;
+}
+
+CBlock& CBlock::operator<<(const CBlock_vec& vec) {
+  mItems.emplace_back(vec.Clone());
+  return *this;
+}
+
+CBlock& CBlock::operator<<(const CBlock_func& func) {
+  mItems.emplace_back(func.Clone());
+  return *this;
+}
+
+CBlock& CBlock::operator<<(const CBlockPtr& item) {
+  if (WY_CHECK(item && !item->IsValue()) && WY_CHECK(item.get() != this)) mItems.push_back(item);
+  return *this;
+}
+
+CBlock& CBlock::operator<<(const CStreamio_item_object& object) {
+  object.WriteToBlock(*this);
+  return *this;
+}
+
+template <class Pred>
+const CBlock_item* CBlock::Extract(bool named, Pred pred) const {
+  const std::size_t n = mItems.size();
+  const std::size_t start = std::min(mCursor, n);
+  const std::size_t span = named ? n : n - start;
+  for (std::size_t k = 0; k < span; ++k) {
+    const std::size_t i = (start + k) % n;
+    if (pred(*mItems[i])) {
+      mCursor = i + 1;
+      mFound = true;
+      return mItems[i].get();
+    }
+  }
+  mFound = false;
+  return nullptr;
+}
+
+const CBlock& CBlock::operator>>(CBlock& block) const {
+  const bool named = block.IsNamed();
+  const AString name = block.Name();
+  const CBlock_item* found = Extract(named, [&](const CBlock_item& item) {
+    return item.IsBlock() && (!named || NameMatches(item.NameToken(), name));
+  });
+  if (found != nullptr && found != &block) block = static_cast<const CBlock&>(*found);
+  return *this;
+}
+
+const CBlock& CBlock::operator>>(CBlock_named_value& value) const {
+  const bool named = value.IsNamed();
+  const AString name = value.Name();
+  const CBlock_item* found = Extract(named, [&](const CBlock_item& item) {
+    return item.IsNamedValue() && (!named || NameMatches(item.NameToken(), name));
+  });
+  if (found != nullptr) value = static_cast<const CBlock_named_value&>(*found);
+  return *this;
+}
+
+const CBlock& CBlock::operator>>(CBlock_vec& vec) const {
+  const bool named = vec.IsNamed();
+  const AString name = vec.Name();
+  const CBlock_item* found = Extract(named, [&](const CBlock_item& item) {
+    return item.IsVec() && (!named || NameMatches(item.NameToken(), name));
+  });
+  if (found != nullptr) vec = static_cast<const CBlock_vec&>(*found);
+  return *this;
+}
+
+const CBlock& CBlock::operator>>(CBlock_func& func) const {
+  const bool named = func.IsNamed();
+  const AString name = func.Name();
+  const CBlock_item* found = Extract(named, [&](const CBlock_item& item) {
+    return item.IsFunc() && (!named || NameMatches(item.NameToken(), name));
+  });
+  if (found != nullptr) func = static_cast<const CBlock_func&>(*found);
+  return *this;
+}
+
+const CBlock& CBlock::operator>>(CBlockPtr& item) const {
+  const bool named = item && item->IsNamed();
+  const AString name = named ? item->Name() : AString();
+  const CBlock_item* found = Extract(named, [&](const CBlock_item& candidate) {
+    return !named || NameMatches(candidate.NameToken(), name);
+  });
+  if (found != nullptr) item = CBlockPtr(const_cast<CBlock_item*>(found));
+  return *this;
+}
+
+const CBlock& CBlock::operator>>(CStreamio_item_object& object) const {
+  mFound = object.ReadFromBlock(*this);
+  return *this;
+}
+
+bool CBlock::Error(bool const& clear) {
+  bool any = !mErrors.empty();
+  if (clear) mErrors.clear();
+  for (const CBlockPtr& item : mItems) {
+    if (item->IsBlock()) any |= static_cast<CBlock&>(*item).Error(clear);
+  }
+  return any;
+}
+
+bool CBlock::Error(std::list<AString>& messages, bool const& clear) {
+  const std::vector<XStreamioError> errors = CollectErrors();
+  for (const XStreamioError& error : errors) messages.push_back(error.Text());
+  if (clear) Error(true);
+  return !errors.empty();
+}
+
+std::vector<XStreamioError> CBlock::CollectErrors() const {
+  std::vector<XStreamioError> errors;
+  std::vector<const CBlock*> pending{this};
+  while (!pending.empty()) {
+    const CBlock* block = pending.back();
+    pending.pop_back();
+    errors.insert(errors.end(), block->mErrors.begin(), block->mErrors.end());
+    for (const CBlockPtr& item : block->mItems) {
+      if (item->IsBlock()) pending.push_back(static_cast<const CBlock*>(item.get()));
+    }
+  }
+  std::stable_sort(errors.begin(), errors.end(), [](const auto& a, const auto& b) {
+    return a.Line() != b.Line() ? a.Line() < b.Line() : a.Column() < b.Column();
+  });
+  return errors;
+}
+
+void CBlock::RecordStreamError(const CAbstract_istream& stream, const AString& message) {
+  mErrors.emplace_back(E::kStreamFailed, message, stream.Line(), stream.Column());
+}
+
+void CBlock::read(CAbstract_istream& stream) {
+  Clear();
+  if (stream.Fail()) {
+    RecordStreamError(stream, u"the stream failed before the block: " + stream.FailMessage());
+    return;
+  }
+  if (!stream.IsBeginBlock()) {
+    RecordStreamError(stream, u"$begin expected, found " + Describe(stream.Token()));
+    return;
+  }
+  const int beginLine = stream.Line();
+  if (!stream.OpenBlock(mName)) {
+    RecordStreamError(stream, stream.FailMessage());
+    stream.ClearError();
+  }
+  ReadBody(stream, false);
+  const int line = stream.Line();
+  const int column = stream.Column();
+  if (!stream.CloseBlock(mName) || stream.Fail()) {
+    mErrors.emplace_back(
+        E::kStreamFailed,
+        stream.FailMessage() + u" (the block begins on line " + Num(beginLine) + u")", line,
+        column);
+    stream.ClearError();
+  }
+}
+
+void CBlock::ReadItems(CAbstract_istream& stream) {
+  Clear();
+  ReadBody(stream, true);
+}
+
+void CBlock::ReadBody(CAbstract_istream& stream, bool topLevel) {
+  for (;;) {
+    stream.SkipEols();
+    if (stream.Fail() || stream.Token().IsEof()) break;
+    if (stream.IsEndBlock()) {
+      if (!topLevel) break;
+      RecordStreamError(stream, AString(u"$end without a matching $begin"));
+      stream.SkipToResumePoint();
+      continue;
+    }
+    try {
+      CBlockPtr item;
+      item.read(stream);
+      mItems.push_back(std::move(item));
+    } catch (const XStreamioError& error) {
+      mErrors.push_back(error);
+      stream.SkipToResumePoint();
+      stream.ClearError();
+    }
+  }
+}
+
+void CBlock::write(CAbstract_ostream& stream) const {
+  stream.BeginBlock(mName);
+  WriteItems(stream);
+  stream.EndBlock(mName);
+}
+
+void CBlock::WriteItems(CAbstract_ostream& stream) const {
+  for (const CBlockPtr& item : mItems) {
+    item->write(stream);
+    stream.NewLine();
+  }
+}
+
+}  // namespace io
