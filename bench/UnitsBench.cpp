@@ -58,6 +58,57 @@ void BM_LookupByName(benchmark::State& state) {
 }
 BENCHMARK(BM_LookupByName);
 
+// The single text the issue names: a number with a metric unit.
+void BM_TextToFloatMillimetre(benchmark::State& state) {
+  const AString text(u"3.5mm");
+  double value = 0.0;
+  Units::FullUnitType found = Units::NoUnits;
+  Units::UnitError error = Units::kUnitErrorNone;
+  for (auto _ : state) {
+    Units::TextToFloat(text, Units::NoUnits, value, found, error);
+    benchmark::DoNotOptimize(value);
+  }
+  if (value != 3.5e-3 || error != Units::kUnitErrorNone) std::abort();
+}
+BENCHMARK(BM_TextToFloatMillimetre);
+
+// Every lookup by code resolves default tokens first, then reads the code index.
+void BM_LookupByFut(benchmark::State& state) {
+  const std::vector<Units::FullUnitType> futs = {
+      static_cast<Units::FullUnitType>(36), static_cast<Units::FullUnitType>(40),
+      static_cast<Units::FullUnitType>(3), static_cast<Units::FullUnitType>(80)};
+  std::size_t found = 0;
+  for (auto _ : state) {
+    for (Units::FullUnitType fut : futs) found += Units::FindUnitDef(fut) != nullptr;
+    benchmark::DoNotOptimize(found);
+  }
+  for (Units::FullUnitType fut : futs) {
+    if (Units::FindUnitDef(fut) == nullptr) std::abort();
+  }
+  state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(futs.size()));
+}
+BENCHMARK(BM_LookupByFut);
+
+void BM_ConvertToSI(benchmark::State& state) {
+  const auto inch = static_cast<Units::FullUnitType>(40);
+  double x = 1.0;
+  for (auto _ : state) {
+    benchmark::DoNotOptimize(Units::ConvertToSI(x, inch));
+  }
+  if (Units::ConvertToSI(1.0, inch) != 0.0254) std::abort();
+}
+BENCHMARK(BM_ConvertToSI);
+
+// Building the manager with every table, as each process does once at start-up.
+void BM_InitializeUnits(benchmark::State& state) {
+  for (auto _ : state) {
+    Units::UnInitializeUnits();
+    Units::InitializeUnits(nullptr);
+  }
+  if (Units::FindUnitDef(AString(u"mil")) == nullptr) std::abort();
+}
+BENCHMARK(BM_InitializeUnits)->Unit(benchmark::kMicrosecond);
+
 }  // namespace
 
 int main(int argc, char** argv) {

@@ -57,7 +57,6 @@ int CompareUnits(std::u16string_view a, std::u16string_view b) {
   return Sign(a.compare(b));  // char_traits<char16_t> compares code units as unsigned values
 }
 
-bool IsSpace(AChar c) { return std::iswspace(static_cast<wint_t>(c)) != 0; }
 
 // The code units of `text`, one wchar_t each and zero-terminated, for the C runtime's number
 // readers. They look only at ASCII characters, so an index into the copy is an index into the
@@ -305,9 +304,9 @@ AString AString::ToUpper() const {
 bool AString::IsLabel() const {
   if (empty()) return false;
   const AChar first = front();
-  if (first != u'_' && !std::iswalpha(static_cast<wint_t>(first))) return false;
+  if (first != u'_' && !i18n::detail::IsAlpha(first)) return false;
   return std::all_of(begin() + 1, end(), [](AChar c) {
-    return c == u'_' || std::iswalnum(static_cast<wint_t>(c)) != 0;
+    return c == u'_' || i18n::detail::IsAlnum(c);
   });
 }
 
@@ -377,13 +376,13 @@ AString AString::Right(std::int64_t count) const {
 AString& AString::Trim() { return TrimRight().TrimLeft(); }
 
 AString& AString::TrimLeft() {
-  auto it = std::find_if(begin(), end(), [](AChar c) { return !IsSpace(c); });
+  auto it = std::find_if(begin(), end(), [](AChar c) { return !i18n::detail::IsSpace(c); });
   erase(begin(), it);
   return *this;
 }
 
 AString& AString::TrimRight() {
-  auto it = std::find_if(rbegin(), rend(), [](AChar c) { return !IsSpace(c); });
+  auto it = std::find_if(rbegin(), rend(), [](AChar c) { return !i18n::detail::IsSpace(c); });
   erase(it.base(), end());
   return *this;
 }

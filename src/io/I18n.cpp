@@ -40,7 +40,7 @@ AChar FoldCase(AChar c) { return detail::Fold(c); }
 
 AChar UpperCase(AChar c) {
   if (c >= u'a' && c <= u'z') return static_cast<AChar>(c - 32);
-  if (c > 127) return static_cast<AChar>(std::towupper(static_cast<wint_t>(c)));
+  if (c > 127) return static_cast<AChar>(towupper_l(static_cast<wint_t>(c), detail::CharacterLocale()));
   return c;
 }
 
@@ -167,6 +167,16 @@ void NarrowToWideFallback(int index, const char* text, std::size_t length, AStri
 }  // namespace
 
 namespace detail {
+
+locale_t CharacterLocale() {
+  // Made once and kept for the life of the process; newlocale never fails for "C".
+  static const locale_t locale = [] {
+    locale_t made = newlocale(LC_ALL_MASK, "C.UTF-8", static_cast<locale_t>(0));
+    return made != static_cast<locale_t>(0) ? made
+                                            : newlocale(LC_ALL_MASK, "C", static_cast<locale_t>(0));
+  }();
+  return locale;
+}
 
 bool WideToNarrow(TEncoding encoding, const AChar* text, std::size_t length, std::string& out) {
   out.clear();
@@ -490,7 +500,6 @@ AString RemoveEnclosing(const AString& s, AChar quote) {
   return s;
 }
 
-bool IsSpace(AChar c) { return std::iswspace(static_cast<wint_t>(c)) != 0; }
 bool IsDigit(AChar c) { return c >= u'0' && c <= u'9'; }
 
 // Index of the first of the trailing decimal digits (s.size() when there are none).
@@ -506,12 +515,12 @@ AString RemoveDoubleQuotes(const AString& s) { return RemoveEnclosing(s, u'"'); 
 AString RemoveSingleQuotes(const AString& s) { return RemoveEnclosing(s, u'\''); }
 
 bool OpensWithDoubleQuote(const AString& s) {
-  auto it = std::find_if(s.begin(), s.end(), [](AChar c) { return !IsSpace(c); });
+  auto it = std::find_if(s.begin(), s.end(), [](AChar c) { return !i18n::detail::IsSpace(c); });
   return it != s.end() && *it == u'"';
 }
 
 bool ClosesWithDoubleQuote(const AString& s) {
-  auto it = std::find_if(s.rbegin(), s.rend(), [](AChar c) { return !IsSpace(c); });
+  auto it = std::find_if(s.rbegin(), s.rend(), [](AChar c) { return !i18n::detail::IsSpace(c); });
   return it != s.rend() && *it == u'"';
 }
 
@@ -560,7 +569,7 @@ bool ParseName(const AString& s, AString& name, long& number, bool keepLeadingZe
 bool IsAlphaNumeric(const AString& s, const AString& extra) {
   if (s.empty()) return false;
   return std::all_of(s.begin(), s.end(), [&extra](AChar c) {
-    return std::iswalnum(static_cast<wint_t>(c)) != 0 || extra.find(c) != AString::npos;
+    return detail::IsAlnum(c) || extra.find(c) != AString::npos;
   });
 }
 

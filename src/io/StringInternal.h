@@ -7,6 +7,8 @@
 // the library; never installed.
 #pragma once
 
+#include <locale.h>
+
 #include <cstddef>
 #include <cwctype>
 #include <string>
@@ -17,10 +19,20 @@
 
 namespace i18n::detail {
 
+// The character rules (classification and case mapping above ASCII) of the whole library come
+// from one fixed locale, "C.UTF-8" ("C" where the system lacks it), never from the locale the
+// application happens to set: a name must compare and split the same way in every process that
+// reads the same file.
+locale_t CharacterLocale();
+
+inline bool IsAlpha(AChar c) { return iswalpha_l(static_cast<wint_t>(c), CharacterLocale()) != 0; }
+inline bool IsAlnum(AChar c) { return iswalnum_l(static_cast<wint_t>(c), CharacterLocale()) != 0; }
+inline bool IsSpace(AChar c) { return iswspace_l(static_cast<wint_t>(c), CharacterLocale()) != 0; }
+
 // The folding rule of i18n::FoldCase, inline for the comparison loops.
 inline AChar Fold(AChar c) {
   if (c < 128) return c >= u'A' && c <= u'Z' ? static_cast<AChar>(c + 32) : c;
-  return static_cast<AChar>(std::towlower(static_cast<wint_t>(c)));
+  return static_cast<AChar>(towlower_l(static_cast<wint_t>(c), CharacterLocale()));
 }
 
 // Narrow text in `encoding` to UTF-16; every undecodable byte becomes U+FFFD. Replaces `out`.

@@ -11,7 +11,8 @@
 // the library itself writes u"..." literals.
 //
 // Case-blind comparison everywhere folds by one rule (i18n::FoldCase): 'A'..'Z' by adding 32,
-// characters above 127 through towlower, everything else unchanged. Number reading never depends
+// characters above 127 through towlower (asked in the fixed locale C.UTF-8, never the
+// application's), everything else unchanged. Number reading never depends
 // on the user's locale: it behaves like wcstol/wcstod in the "C" locale. "long" in this interface
 // is the 32-bit long of the stored data model: IsNumber(long&) saturates and refuses exactly as a
 // 32-bit wcstol does, whatever the width of the platform's long.
