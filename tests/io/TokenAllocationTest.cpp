@@ -3,7 +3,9 @@
 // TokenAllocationTest.cpp - tokens are made by the million while a file is read: numbers and
 // texts of up to 3 characters must not allocate, and copies of a long text must share it.
 //
-// Counts calls of the global operator new made by this thread while a counter is armed.
+// Counts calls of the global operator new made by this thread while a counter is armed. The
+// sanitizer build keeps the sanitizer's own operator new (replacing it there mixes allocators), so
+// the count is taken in the release build only.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -27,8 +29,15 @@ class AllocationCounter {
   std::size_t Count() const { return gAllocations; }
 };
 
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool kCounting = false;
+#else
+constexpr bool kCounting = true;
+#endif
+
 }  // namespace
 
+#if !defined(__SANITIZE_ADDRESS__)
 void* operator new(std::size_t size) {
   if (gCounting) ++gAllocations;
   if (void* p = std::malloc(size == 0 ? 1 : size)) return p;
@@ -36,11 +45,13 @@ void* operator new(std::size_t size) {
 }
 void operator delete(void* p) noexcept { std::free(p); }
 void operator delete(void* p, std::size_t) noexcept { std::free(p); }
+#endif
 
 namespace io {
 namespace {
 
 TEST(TokenAllocation, NumbersAndShortTextsAllocateNothing) {
+  if (!kCounting) GTEST_SKIP() << "allocations are counted in the release build";
   const AString one(u"=");
   const AString three(u"abc");
   const AString number(u"1.5e3");
@@ -60,6 +71,7 @@ TEST(TokenAllocation, NumbersAndShortTextsAllocateNothing) {
 }
 
 TEST(TokenAllocation, LongTextIsAllocatedOnceAndSharedByCopies) {
+  if (!kCounting) GTEST_SKIP() << "allocations are counted in the release build";
   const AString text(u"a rather long keyword text");
   std::vector<CToken> copies;
   copies.reserve(100);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// BlockTextFuzzer.cpp - fuzz target for reading storage text into the block tree.
+// BlockReadFuzzer.cpp - fuzz target for reading storage text into the block tree.
 //
 // Beyond surviving any input, it checks stability: whatever was read (T1) is written (W1); W1
 // must read back without a single error (T2), T2 must write exactly W1 again, and T2 must equal
@@ -27,7 +27,7 @@ namespace {
 using io::CToken;
 
 [[noreturn]] void Fail(const char* what, const std::string& detail) {
-  std::fprintf(stderr, "BlockTextFuzzer: %s\n%s\n", what, detail.c_str());
+  std::fprintf(stderr, "BlockReadFuzzer: %s\n%s\n", what, detail.c_str());
   std::abort();
 }
 
