@@ -9,7 +9,9 @@
 PREFIX ?= /usr/local
 JOBS ?= $(shell nproc)
 SUDO := $(shell [ "$$(id -u)" = 0 ] || echo sudo)
-PACKAGES := cmake ninja-build g++ pkg-config libgtest-dev googletest libbenchmark-dev libtnt-dev
+# libmuparser-dev serves only the expression benchmark, as a yardstick.
+PACKAGES := cmake ninja-build g++ pkg-config libgtest-dev googletest libbenchmark-dev libtnt-dev \
+            libmuparser-dev
 FUZZ_PACKAGES := clang-16 libclang-rt-16-dev
 STAGE := $(CURDIR)/build/stage
 
