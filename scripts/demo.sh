@@ -1,5 +1,5 @@
 #!/bin/sh
-# demo.sh BUILD_DIR - the storage layer at work on the bundled example project.
+# demo.sh BUILD_DIR - the wycore command at work on the bundled example project.
 #
 # Checks the sample project (clean), prints its canonical text, then checks a deliberately broken
 # copy, whose errors are listed with FILE:LINE. The broken file's non-zero status is expected;
@@ -32,6 +32,18 @@ if [ "$status" -ne 1 ]; then
   echo "demo: the broken project should give exit status 1, got $status" >&2
   exit 1
 fi
+
+echo
+echo "== wycore convert 3in mm"
+"$tool" convert 3in mm || { echo "demo: convert failed" >&2; exit 1; }
+
+echo
+echo "== wycore units Temperature"
+"$tool" units Temperature || { echo "demo: units failed" >&2; exit 1; }
+
+echo
+echo '== wycore eval "2*w + 1in" --var w=3mm (value with units, then the canonical text)'
+"$tool" eval "2*w + 1in" --var w=3mm || { echo "demo: eval failed" >&2; exit 1; }
 
 echo
 echo "demo: done (the broken project's errors above are the expected result)"

@@ -171,6 +171,45 @@ CBlockPtr ReadArgument(CAbstract_istream& stream, const CToken& funcName) {
   return func;
 }
 
+// Collects the items of one block, or the arguments of one function, while they are read: the
+// first ones on the stack, so that the list is allocated once and at its final size instead of
+// growing item by item. Whatever was collected goes to the list also when reading throws.
+template <std::size_t kInline>
+class ItemCollector {
+ public:
+  explicit ItemCollector(std::vector<CBlockPtr>& target) : mTarget(target) {}
+  ~ItemCollector() {
+    try {
+      Flush();
+    } catch (...) {  // no memory for the list: the items go with the collector
+    }
+  }
+  ItemCollector(const ItemCollector&) = delete;
+  ItemCollector& operator=(const ItemCollector&) = delete;
+
+  void Add(CBlockPtr item) {
+    if (mCount < kInline) {
+      mInline[mCount++] = std::move(item);
+    } else {
+      mSpill.push_back(std::move(item));
+    }
+  }
+  void Flush() {
+    if (mCount == 0) return;
+    mTarget.reserve(mTarget.size() + mCount + mSpill.size());
+    for (std::size_t i = 0; i < mCount; ++i) mTarget.push_back(std::move(mInline[i]));
+    for (CBlockPtr& item : mSpill) mTarget.push_back(std::move(item));
+    mCount = 0;
+    mSpill.clear();
+  }
+
+ private:
+  std::vector<CBlockPtr>& mTarget;
+  CBlockPtr mInline[kInline];
+  std::size_t mCount = 0;
+  std::vector<CBlockPtr> mSpill;
+};
+
 // Reads a whole item of type T from `text` into `target`.
 template <class T>
 bool UnpackItem(const AString& text, T& target) {
@@ -194,6 +233,262 @@ bool UnpackItem(const AString& text, T& target) {
 }
 
 }  // namespace
+
+// ---------------------------------------------------------------------------------------------
+// CBlockTree: the whole-tree operations, without recursion
+//
+// A tree built in code may be nested as deeply as its builder likes (reading bounds the depth,
+// building does not), so copying, comparing, measuring, writing and destroying walk the tree
+// with an explicit stack. Only blocks and functions hold items; the walk goes into those whose
+// type is exactly CBlock or CBlock_func and hands every other item (values, vectors, and classes
+// derived by users, which may override these operations) to its own virtual function.
+
+struct CBlockTree {
+  // The name of a block or function (the token itself, as the item's own functions use it).
+  static const CToken& NameOf(const CBlock_item& item) {
+    if (item.IsBlock()) return static_cast<const CBlock&>(item).mName;
+    return static_cast<const CBlock_func&>(item).mName;
+  }
+
+  // The items of a block or function (of a class derived from one too).
+  static const std::vector<CBlockPtr>& Shell(const CBlock_item& item) {
+    if (item.IsBlock()) return static_cast<const CBlock&>(item).mItems;
+    return static_cast<const CBlock_func&>(item).mArgs;
+  }
+
+  // The items of an item whose type is exactly CBlock or CBlock_func, or null for any other
+  // item: these are the items the walks go into.
+  static const std::vector<CBlockPtr>* Children(const CBlock_item& item) {
+    if (typeid(item) == typeid(CBlock)) return &static_cast<const CBlock&>(item).mItems;
+    if (typeid(item) == typeid(CBlock_func)) return &static_cast<const CBlock_func&>(item).mArgs;
+    return nullptr;
+  }
+
+  // Releases `items`; the subtrees that this releases for good are taken apart level by level,
+  // so that no destructor finds nested items of its own to release.
+  static void Release(std::vector<CBlockPtr>& items) noexcept {
+    if (items.empty()) return;
+    std::vector<CBlockPtr> pending = std::move(items);
+    items.clear();
+    while (!pending.empty()) {
+      CBlockPtr item = std::move(pending.back());
+      pending.pop_back();
+      if (item->RefCount() != 1) continue;  // still held elsewhere: only this share goes
+      std::vector<CBlockPtr>* children = nullptr;
+      if (item->IsBlock()) {
+        children = &static_cast<CBlock&>(*item).mItems;
+      } else if (item->IsFunc()) {
+        children = &static_cast<CBlock_func&>(*item).mArgs;
+      }
+      if (children != nullptr) {
+        for (CBlockPtr& child : *children) pending.push_back(std::move(child));
+        children->clear();
+      }
+    }  // `item` is deleted here, with nothing left inside
+  }
+
+  // Copies the items of `from` (a block or function) into `to`, an empty item of the same type.
+  static void CopyChildren(const CBlock_item& from, CBlock_item& to) {
+    struct Job {
+      const std::vector<CBlockPtr>* from;
+      std::vector<CBlockPtr>* to;
+    };
+    std::vector<Job> pending;
+    auto children = [](CBlock_item& item) -> std::vector<CBlockPtr>* {
+      if (item.IsBlock()) return &static_cast<CBlock&>(item).mItems;
+      return &static_cast<CBlock_func&>(item).mArgs;
+    };
+    pending.push_back({&Shell(from), children(to)});
+    while (!pending.empty()) {
+      const Job job = pending.back();
+      pending.pop_back();
+      job.to->reserve(job.from->size());
+      for (const CBlockPtr& child : *job.from) {
+        if (typeid(*child) == typeid(CBlock)) {
+          const auto& block = static_cast<const CBlock&>(*child);
+          auto* copy = new CBlock;
+          copy->mName = block.mName;
+          copy->mErrors = block.mErrors;
+          job.to->emplace_back(copy);
+          pending.push_back({&block.mItems, &copy->mItems});
+        } else if (typeid(*child) == typeid(CBlock_func)) {
+          const auto& func = static_cast<const CBlock_func&>(*child);
+          auto* copy = new CBlock_func;
+          copy->mName = func.mName;
+          job.to->emplace_back(copy);
+          pending.push_back({&func.mArgs, &copy->mArgs});
+        } else {
+          job.to->emplace_back(child->Clone());
+        }
+      }
+    }
+  }
+
+  // The name and the count of a block or function equal; their items are compared by the
+  // caller.
+  static bool SameShell(const CBlock_item& a, const CBlock_item& b) {
+    return SameToken(NameOf(a), NameOf(b)) && Shell(a).size() == Shell(b).size();
+  }
+
+  // `a` and `b` (a block or function, of one type) are equal item by item.
+  static bool Equal(const CBlock_item& a, const CBlock_item& b) {
+    std::vector<std::pair<const CBlock_item*, const CBlock_item*>> pending;
+    if (!SameShell(a, b)) return false;
+    pending.emplace_back(&a, &b);
+    while (!pending.empty()) {
+      const auto [x, y] = pending.back();
+      pending.pop_back();
+      const std::vector<CBlockPtr>& left = Shell(*x);
+      const std::vector<CBlockPtr>& right = Shell(*y);
+      for (std::size_t i = 0; i < left.size(); ++i) {
+        const CBlock_item& l = *left[i];
+        const CBlock_item& r = *right[i];
+        if (typeid(l) != typeid(r)) return false;
+        if (Children(l) != nullptr) {
+          if (!SameShell(l, r)) return false;
+          pending.emplace_back(&l, &r);
+        } else if (!l.Equals(r)) {
+          return false;
+        }
+      }
+    }
+    return true;
+  }
+
+  // The memory of `item` without its nested blocks and functions, which go to `pending`.
+  static std::size_t OwnSize(const CBlock_item& item, bool includeSelf,
+                             std::vector<const CBlock_item*>& pending) {
+    std::size_t size = NameOf(item).SizeOf(false);
+    const std::vector<CBlockPtr>* children = &Shell(item);
+    size += children->capacity() * sizeof(CBlockPtr);
+    if (item.IsBlock()) {
+      size += static_cast<const CBlock&>(item).mErrors.size() * sizeof(XStreamioError);
+      if (includeSelf) size += sizeof(CBlock);
+    } else if (includeSelf) {
+      size += sizeof(CBlock_func);
+    }
+    for (const CBlockPtr& child : *children) {
+      if (Children(*child) != nullptr) {
+        pending.push_back(child.get());
+      } else {
+        size += child->SizeOf(true);
+      }
+    }
+    return size;
+  }
+
+  static std::size_t SizeOf(const CBlock_item& root, bool includeSelf) {
+    std::vector<const CBlock_item*> pending;
+    std::size_t size = OwnSize(root, includeSelf, pending);
+    while (!pending.empty()) {
+      const CBlock_item* item = pending.back();
+      pending.pop_back();
+      size += OwnSize(*item, true, pending);
+    }
+    return size;
+  }
+
+  static std::size_t OwnBinarySize(const CBlock_item& item, const CAbstract_ostream& stream,
+                                   std::vector<const CBlock_item*>& pending) {
+    const std::vector<CBlockPtr>& children = Shell(item);
+    std::size_t size = 0;
+    std::size_t perChild = 0;
+    if (item.IsBlock()) {
+      perChild = CToken(CToken::Eol).BinarySize(stream);
+      size = CToken(CToken::Keyword, AString(u"$begin")).BinarySize(stream) +
+             CToken(CToken::Keyword, AString(u"$end")).BinarySize(stream) +
+             2 * NameOf(item).BinarySize(stream) + perChild;
+    } else {
+      size = NameOf(item).BinarySize(stream) + 2 * CToken(CToken::Symbol, u'(').BinarySize(stream);
+      if (children.size() > 1) {
+        size += (children.size() - 1) * CToken(CToken::Symbol, u',').BinarySize(stream);
+      }
+    }
+    for (const CBlockPtr& child : children) {
+      size += perChild;
+      if (Children(*child) != nullptr) {
+        pending.push_back(child.get());
+      } else {
+        size += child->BinarySize(stream);
+      }
+    }
+    return size;
+  }
+
+  static std::size_t BinarySize(const CBlock_item& root, const CAbstract_ostream& stream) {
+    std::vector<const CBlock_item*> pending;
+    std::size_t size = OwnBinarySize(root, stream, pending);
+    while (!pending.empty()) {
+      const CBlock_item* item = pending.back();
+      pending.pop_back();
+      size += OwnBinarySize(*item, stream, pending);
+    }
+    return size;
+  }
+
+  // Writes `root` (a block or function) as CBlock::write and CBlock_func::write lay it out; with
+  // `itemsOnly` a block's items alone, as CBlock::WriteItems does.
+  static void Write(const CBlock_item& root, CAbstract_ostream& stream, bool itemsOnly) {
+    struct Frame {
+      const CBlock_item* item;
+      const std::vector<CBlockPtr>* children;
+      std::size_t next;
+      bool block;
+    };
+    std::vector<Frame> frames;
+    auto open = [&](const CBlock_item& item) {
+      const bool block = item.IsBlock();
+      if (block) {
+        if (!(itemsOnly && frames.empty())) stream.BeginBlock(NameOf(item));
+      } else {
+        WriteName(NameOf(item), stream);
+        stream.WriteSymbol(u'(');
+      }
+      frames.push_back({&item, &Shell(item), 0, block});
+    };
+    open(root);
+    while (!frames.empty()) {
+      Frame& frame = frames.back();
+      if (frame.next == frame.children->size()) {
+        const Frame done = frame;
+        frames.pop_back();
+        if (done.block) {
+          if (!(itemsOnly && frames.empty())) stream.EndBlock(NameOf(*done.item));
+        } else {
+          stream.WriteSymbol(u')');
+        }
+        if (!frames.empty() && frames.back().block) stream.NewLine();
+        continue;
+      }
+      const std::size_t index = frame.next++;
+      if (!frame.block && index > 0) {
+        stream.WriteSymbol(u',');
+        stream.WriteBlank();
+      }
+      const CBlock_item& child = *(*frame.children)[index];
+      const bool parentIsBlock = frame.block;  // `frame` may move when a frame is pushed
+      if (Children(child) != nullptr) {
+        open(child);
+      } else {
+        child.write(stream);
+        if (parentIsBlock) stream.NewLine();
+      }
+    }
+  }
+
+  // The first scalar of a function: down the first arguments of nested functions.
+  template <class T>
+  static bool QueryFirst(const CBlock_func& func, T& value) {
+    if (func.mArgs.empty()) return false;
+    const CBlock_item* item = func.mArgs.front().get();
+    while (typeid(*item) == typeid(CBlock_func)) {
+      const auto& args = static_cast<const CBlock_func*>(item)->mArgs;
+      if (args.empty()) return false;
+      item = args.front().get();
+    }
+    return item->Query(value);
+  }
+};
 
 // ---------------------------------------------------------------------------------------------
 // The item reader
@@ -482,9 +777,10 @@ void CBlock_vec::write(CAbstract_ostream& stream) const {
 // CBlock_func
 
 CBlock_func::CBlock_func(const CBlock_func& other) : CBlock_item(other) {
-  mArgs.reserve(other.mArgs.size());
-  for (const CBlockPtr& arg : other.mArgs) mArgs.emplace_back(arg->Clone());
+  CBlockTree::CopyChildren(other, *this);
 }
+
+CBlock_func::~CBlock_func() { CBlockTree::Release(mArgs); }
 
 CBlock_func& CBlock_func::operator=(const CBlock_func& other) {
   if (this != &other) {
@@ -495,36 +791,25 @@ CBlock_func& CBlock_func::operator=(const CBlock_func& other) {
 }
 
 std::size_t CBlock_func::SizeOf(bool includeSelf) const {
-  std::size_t size = mName.SizeOf(false) + mArgs.capacity() * sizeof(CBlockPtr);
-  for (const CBlockPtr& arg : mArgs) size += arg->SizeOf(true);
-  return size + (includeSelf ? sizeof(*this) : 0);
+  return CBlockTree::SizeOf(*this, includeSelf);
 }
 
 std::size_t CBlock_func::BinarySize(const CAbstract_ostream& stream) const {
-  std::size_t size = mName.BinarySize(stream) + 2 * CToken(CToken::Symbol, u'(').BinarySize(stream);
-  for (const CBlockPtr& arg : mArgs) size += arg->BinarySize(stream);
-  if (mArgs.size() > 1)
-    size += (mArgs.size() - 1) * CToken(CToken::Symbol, u',').BinarySize(stream);
-  return size;
+  return CBlockTree::BinarySize(*this, stream);
 }
 
 bool CBlock_func::Unpack(const AString& text) { return UnpackItem(text, *this); }
 
 bool CBlock_func::Equals(const CBlock_item& other) const {
   if (typeid(other) != typeid(*this)) return false;
-  const auto& o = static_cast<const CBlock_func&>(other);
-  if (!SameToken(mName, o.mName) || mArgs.size() != o.mArgs.size()) return false;
-  for (std::size_t i = 0; i < mArgs.size(); ++i) {
-    if (!mArgs[i]->Equals(*o.mArgs[i])) return false;
-  }
-  return true;
+  return CBlockTree::Equal(*this, other);
 }
 
 #define WYCORE_DEFINE_QUERY(T) \
-  bool CBlock_func::Query(T& value) const { return !mArgs.empty() && mArgs[0]->Query(value); }
+  bool CBlock_func::Query(T& value) const { return CBlockTree::QueryFirst(*this, value); }
 WYCORE_BLOCK_QUERY_TYPES(WYCORE_DEFINE_QUERY)
 #undef WYCORE_DEFINE_QUERY
-bool CBlock_func::Query(AChar* buffer) const { return !mArgs.empty() && mArgs[0]->Query(buffer); }
+bool CBlock_func::Query(AChar* buffer) const { return CBlockTree::QueryFirst(*this, buffer); }
 
 CBlock_func& CBlock_func::operator<<(const CBlockPtr& arg) {
   if (WY_CHECK(arg && !arg->IsBlock())) mArgs.push_back(arg);
@@ -580,13 +865,15 @@ void CBlock_func::ReadRest(CAbstract_istream& stream) {
     stream.NextToken();
     return;
   }
+  ItemCollector<8> args(mArgs);
   for (;;) {
-    mArgs.push_back(ReadArgument(stream, mName));
+    args.Add(ReadArgument(stream, mName));
     const AChar symbol = SymbolOf(stream.Token());
     if (symbol == u',') {
       stream.NextToken();
     } else if (symbol == u')') {
       stream.NextToken();
+      args.Flush();
       return;
     } else {
       stream.Raise(E::kBadFunction, u"',' or ')' expected in the arguments of " + Quoted(mName) +
@@ -596,25 +883,17 @@ void CBlock_func::ReadRest(CAbstract_istream& stream) {
 }
 
 void CBlock_func::write(CAbstract_ostream& stream) const {
-  WriteName(mName, stream);
-  stream.WriteSymbol(u'(');
-  for (std::size_t i = 0; i < mArgs.size(); ++i) {
-    if (i > 0) {
-      stream.WriteSymbol(u',');
-      stream.WriteBlank();
-    }
-    mArgs[i]->write(stream);
-  }
-  stream.WriteSymbol(u')');
+  CBlockTree::Write(*this, stream, false);
 }
 
 // ---------------------------------------------------------------------------------------------
 // CBlock
 
 CBlock::CBlock(const CBlock& other) : CBlock_item(other), mErrors(other.mErrors) {
-  mItems.reserve(other.mItems.size());
-  for (const CBlockPtr& item : other.mItems) mItems.emplace_back(item->Clone());
+  CBlockTree::CopyChildren(other, *this);
 }
+
+CBlock::~CBlock() { CBlockTree::Release(mItems); }
 
 CBlock& CBlock::operator=(const CBlock& other) {
   if (this != &other) {
@@ -650,19 +929,11 @@ void CBlock::Name(const AString& name) {
 }
 
 std::size_t CBlock::SizeOf(bool includeSelf) const {
-  std::size_t size = mName.SizeOf(false) + mItems.capacity() * sizeof(CBlockPtr) +
-                     mErrors.size() * sizeof(XStreamioError);
-  for (const CBlockPtr& item : mItems) size += item->SizeOf(true);
-  return size + (includeSelf ? sizeof(*this) : 0);
+  return CBlockTree::SizeOf(*this, includeSelf);
 }
 
 std::size_t CBlock::BinarySize(const CAbstract_ostream& stream) const {
-  const std::size_t eol = CToken(CToken::Eol).BinarySize(stream);
-  std::size_t size = CToken(CToken::Keyword, AString(u"$begin")).BinarySize(stream) +
-                     CToken(CToken::Keyword, AString(u"$end")).BinarySize(stream) +
-                     2 * mName.BinarySize(stream) + eol;
-  for (const CBlockPtr& item : mItems) size += item->BinarySize(stream) + eol;
-  return size;
+  return CBlockTree::BinarySize(*this, stream);
 }
 
 void CBlock::Clear() {
@@ -676,12 +947,7 @@ bool CBlock::Unpack(const AString& text) { return UnpackItem(text, *this); }
 
 bool CBlock::Equals(const CBlock_item& other) const {
   if (typeid(other) != typeid(*this)) return false;
-  const auto& o = static_cast<const CBlock&>(other);
-  if (!SameToken(mName, o.mName) || mItems.size() != o.mItems.size()) return false;
-  for (std::size_t i = 0; i < mItems.size(); ++i) {
-    if (!mItems[i]->Equals(*o.mItems[i])) return false;
-  }
-  return true;
+  return CBlockTree::Equal(*this, other);
 }
 
 const CBlock_item* CBlock::Find(const AString& name) const {
@@ -803,10 +1069,16 @@ const CBlock& CBlock::operator>>(CStreamio_item_object& object) const {
 }
 
 bool CBlock::Error(bool const& clear) {
-  bool any = !mErrors.empty();
-  if (clear) mErrors.clear();
-  for (const CBlockPtr& item : mItems) {
-    if (item->IsBlock()) any |= static_cast<CBlock&>(*item).Error(clear);
+  bool any = false;
+  std::vector<CBlock*> pending{this};
+  while (!pending.empty()) {
+    CBlock* block = pending.back();
+    pending.pop_back();
+    any |= !block->mErrors.empty();
+    if (clear) block->mErrors.clear();
+    for (const CBlockPtr& item : block->mItems) {
+      if (item->IsBlock()) pending.push_back(static_cast<CBlock*>(item.get()));
+    }
   }
   return any;
 }
@@ -872,6 +1144,7 @@ void CBlock::ReadItems(CAbstract_istream& stream) {
 }
 
 void CBlock::ReadBody(CAbstract_istream& stream, bool topLevel) {
+  ItemCollector<16> items(mItems);
   for (;;) {
     stream.SkipEols();
     if (stream.Fail() || stream.Token().IsEof()) break;
@@ -884,26 +1157,18 @@ void CBlock::ReadBody(CAbstract_istream& stream, bool topLevel) {
     try {
       CBlockPtr item;
       item.read(stream);
-      mItems.push_back(std::move(item));
+      items.Add(std::move(item));
     } catch (const XStreamioError& error) {
       mErrors.push_back(error);
       stream.SkipToResumePoint();
       stream.ClearError();
     }
   }
+  items.Flush();
 }
 
-void CBlock::write(CAbstract_ostream& stream) const {
-  stream.BeginBlock(mName);
-  WriteItems(stream);
-  stream.EndBlock(mName);
-}
+void CBlock::write(CAbstract_ostream& stream) const { CBlockTree::Write(*this, stream, false); }
 
-void CBlock::WriteItems(CAbstract_ostream& stream) const {
-  for (const CBlockPtr& item : mItems) {
-    item->write(stream);
-    stream.NewLine();
-  }
-}
+void CBlock::WriteItems(CAbstract_ostream& stream) const { CBlockTree::Write(*this, stream, true); }
 
 }  // namespace io

@@ -18,6 +18,7 @@
 
 #include "wycore/core/Check.h"
 #include "wycore/core/Utf.h"
+#include "NumberText.h"
 
 namespace io {
 
@@ -29,6 +30,12 @@ bool IsControl(AChar c) noexcept { return c < 0x20 || c == 0x7f || (c >= 0x80 &&
 
 bool IsHighSurrogate(AChar c) noexcept { return c >= 0xd800 && c <= 0xdbff; }
 bool IsLowSurrogate(AChar c) noexcept { return c >= 0xdc00 && c <= 0xdfff; }
+
+// A keyword token with exactly this text.
+bool IsKeywordText(const CToken& token, std::u16string_view text) noexcept {
+  return token.IsKeyword() && token.ACharLen() == text.size() &&
+         std::memcmp(token.ACharPtr(), text.data(), text.size() * sizeof(AChar)) == 0;
+}
 
 bool IsBlockWord(std::u16string_view text) noexcept {
   return text == std::u16string_view(u"$begin") || text == std::u16string_view(u"$end");
@@ -294,6 +301,11 @@ CToken_textstreambuf::CToken_textstreambuf(AString input) : mInput(std::move(inp
 
 void CToken_textstreambuf::SetInput(AString input) {
   mInput = std::move(input);
+  mSource = nullptr;
+  mBase = 0;
+  mKeepFrom = 0;
+  mTokenStart = 0;
+  mLineEnd = 0;
   mState = CreateInitialStreamState();
   mUnterminated = false;
   mSuppressSpecial = false;
@@ -301,18 +313,62 @@ void CToken_textstreambuf::SetInput(AString input) {
   mTokenColumn = 1;
 }
 
+void CToken_textstreambuf::SetInputSource(std::function<bool(AString&)> source) {
+  SetInput(AString());
+  mSource = std::move(source);
+}
+
 void CToken_textstreambuf::RestoreStreamState(const StreamState& state) {
   mState = state;
-  if (mState.position > mInput.size()) mState.position = mInput.size();
+  // Text that a source-fed stream has already let go cannot be returned to.
+  if (!WY_CHECK(mState.position >= mBase)) mState.position = mBase;
+  if (mState.position > mBase + mInput.size()) mState.position = mBase + mInput.size();
 }
 
-AChar CToken_textstreambuf::Peek(std::size_t ahead) const noexcept {
-  const std::size_t at = mState.position + ahead;
-  return at < mInput.size() ? mInput[at] : 0;
+bool CToken_textstreambuf::MoreInput() {
+  if (!mSource) return false;
+  // Let go of the text before the previous token when it is most of what is held, so that the
+  // text held stays about one piece from the source (or one long line) whatever the file's size.
+  const std::size_t keep = std::min(mKeepFrom, mState.position) - mBase;
+  if (keep > 0 && keep >= mInput.size() / 2) {
+    mInput.erase(0, keep);
+    mBase += keep;
+  }
+  const std::size_t before = mInput.size();
+  if (!mSource(mInput)) {
+    mSource = nullptr;
+    return mInput.size() > before;
+  }
+  return true;
 }
 
-void CToken_textstreambuf::Advance() noexcept {
-  const AChar c = mInput[mState.position++];
+void CToken_textstreambuf::EnsureLine() {
+  // The fast paths of the lexer read within one line without asking for more input: make sure
+  // that the text held reaches the end of the current line, or the end of the whole input.
+  // mLineEnd is one past the last LF held, so every position before it has its line end held.
+  while (mSource && mState.position >= mLineEnd) {
+    const std::size_t searched = mBase + mInput.size();
+    if (!MoreInput()) return;
+    const std::u16string_view added = std::u16string_view(mInput).substr(searched - mBase);
+    const std::size_t found = added.rfind(u'\n');
+    if (found != std::u16string_view::npos) mLineEnd = searched + found + 1;
+  }
+}
+
+AChar CToken_textstreambuf::Peek(std::size_t ahead) {
+  const std::size_t at = mState.position - mBase + ahead;
+  while (at >= mInput.size()) {
+    if (!MoreInput()) return 0;
+  }
+  return mInput[at];
+}
+
+bool CToken_textstreambuf::HaveInput() {
+  return mState.position - mBase < mInput.size() || MoreInput();
+}
+
+void CToken_textstreambuf::Advance() {
+  const AChar c = mInput[mState.position++ - mBase];
   if (c == u'\n' || (c == u'\r' && Peek() != u'\n')) {
     ++mState.line;
     mState.column = 1;
@@ -322,17 +378,23 @@ void CToken_textstreambuf::Advance() noexcept {
 }
 
 bool CToken_textstreambuf::SkipWhiteSpace() {
+  if (mSource && mState.position >= mLineEnd) EnsureLine();
   const std::size_t start = mState.position;
-  while (!AtEnd()) {
-    const auto cls = mGrammar.ClassOf(mInput[mState.position]);
+  for (;;) {
+    const std::size_t at = mState.position - mBase;
+    if (at >= mInput.size()) break;  // the whole line is held: this is the end of the input
+    const auto cls = mGrammar.ClassOf(mInput[at]);
     if (cls == CBase_grammar::kSpace) {
-      Advance();
+      // White space never holds a line end (LF, CR and NUL have classes of their own).
+      ++mState.position;
+      ++mState.column;
     } else if (cls == CBase_grammar::kComment) {
-      while (!AtEnd()) {
-        const auto k = mGrammar.ClassOf(mInput[mState.position]);
+      while (HaveInput()) {
+        const auto k = mGrammar.ClassOf(mInput[mState.position - mBase]);
         if (k == CBase_grammar::kEol || k == CBase_grammar::kCr) break;
         Advance();
       }
+      if (mSource && mState.position >= mLineEnd) EnsureLine();
     } else {
       break;
     }
@@ -341,18 +403,288 @@ bool CToken_textstreambuf::SkipWhiteSpace() {
 }
 
 CToken CToken_textstreambuf::GetToken() {
+  CToken token;
+  GetToken(token);
+  return token;
+}
+
+void CToken_textstreambuf::GetToken(CToken& out) {
+  if (mSource) {
+    mKeepFrom = mTokenStart;  // a reader may still go back to the previous token's end
+    mTokenStart = mState.position;
+    if (mState.position >= mLineEnd) EnsureLine();
+  }
   mUnterminated = false;
   mTokenLine = mState.line;
   mTokenColumn = mState.column;
   const bool special = mParseSpecialFloats && !mSuppressSpecial;
   mSuppressSpecial = false;
-  if (AtEnd()) return CToken(CToken::Eof);
+  if (!HaveInput()) {
+    out = CToken(CToken::Eof);
+  } else if (!LexCommonToken(special, out)) {
+    out = LexToken(special);
+  }
+}
 
+void CToken_textstreambuf::AssignText(CToken& out, CToken::TTokenType kind,
+                                      std::u16string_view text) {
+  // Storage files repeat their names and many of their values thousands of times. A recurring
+  // text shares the buffer of its last occurrence (copies of a token share their text anyway),
+  // which saves an allocation per token and most of the memory the texts of a tree take. Texts
+  // of up to 3 characters are inline, and long ones seldom recur.
+  const std::size_t n = text.size();
+  if (n <= 3 || n > 64) {
+    out.Assign(kind, text, 0.0);
+    return;
+  }
+  // Two-way sets with the most recent entry first, so that two texts that alternate in a file
+  // do not keep evicting each other.
+  // A buffer's share count stops at 255, after which every copy allocates; so a cached buffer
+  // is handed out a bounded number of times (each use usually ends as one share in the tree,
+  // and the reader holds a few more while it works) before a fresh one takes its place.
+  constexpr std::uint8_t kMaxUses = 200;
+  std::uint32_t hash = 2166136261u;
+  for (AChar c : text) hash = (hash ^ c) * 16777619u;
+  const std::size_t first = (hash % (kTextCacheSize / 2)) * 2;
+  CToken* const set = &mTextCache[first];
+  std::uint8_t* const uses = &mTextCacheUses[first];
+  for (int way = 0; way < 2; ++way) {
+    CToken& cached = set[way];
+    if (cached.Type() == kind && cached.ACharLen() == n &&
+        std::memcmp(cached.ACharPtr(), text.data(), n * sizeof(AChar)) == 0) {
+      if (++uses[way] >= kMaxUses) {
+        out.Assign(kind, text, 0.0);
+        cached = out;
+        uses[way] = 0;
+      } else {
+        out = cached;
+      }
+      if (way == 1) {
+        std::swap(set[0], set[1]);
+        std::swap(uses[0], uses[1]);
+      }
+      return;
+    }
+  }
+  out.Assign(kind, text, 0.0);
+  set[1] = std::move(set[0]);
+  uses[1] = uses[0];
+  set[0] = out;
+  uses[0] = 0;
+}
+
+bool CToken_textstreambuf::LexCommonToken(bool special, CToken& out) {
+  // The shapes that make up almost every file, read in one pass over the characters without
+  // collecting them: each case does exactly what the transition table does for its first
+  // character, and hands anything unusual (escapes, line ends inside quotes, text blocks,
+  // special float words) to the general loop, which starts again at the token's beginning.
+  // None of these runs can hold a line end, so the column advances by the run's length.
+  using B = CBase_grammar;
+  const AChar* const data = mInput.data();
+  const std::size_t size = mInput.size();
+  const std::size_t begin = mState.position - mBase;
+  const AChar first = data[begin];
+  B::TCharClass cls = mGrammar.ClassOf(first);
+  if (cls == B::kHash && !special) cls = B::kSymbol;
+  switch (cls) {
+    case B::kAlpha:
+    case B::kExp:
+    case B::kHexLetter:
+    case B::kX:
+    case B::kDollar: {
+      std::size_t end = begin + 1;
+      while (end < size && IsKeywordClass(mGrammar.ClassOf(data[end]))) ++end;
+      const std::u16string_view text(data + begin, end - begin);
+      const std::u16string_view cdata(mGrammar.CDataBegin());
+      if (text.substr(0, cdata.size()) == cdata) return false;
+      Consume(end - begin);
+      if (text == std::u16string_view(mGrammar.TrueWord())) {
+        out = CToken(CToken::True);
+      } else if (text == std::u16string_view(mGrammar.FalseWord())) {
+        out = CToken(CToken::False);
+      } else {
+        AssignText(out, CToken::Keyword, text);
+      }
+      return true;
+    }
+    case B::kSQuote:
+    case B::kDQuote: {
+      // '\n' and '\r' are line ends or comment characters, so the class tests see them all.
+      std::size_t end = begin + 1;
+      B::TCharClass k = B::kOther;
+      for (; end < size; ++end) {
+        k = mGrammar.ClassOf(data[end]);
+        if (k == cls || k == B::kEol || k == B::kCr || k == B::kBackslash || k == B::kComment) {
+          break;
+        }
+      }
+      if (end == size || k != cls) {
+        if (end == size || k != B::kBackslash) return false;  // unterminated, or a comment char
+        return LexEscapedText(cls, begin, end, out);
+      }
+      AssignText(out, cls == B::kSQuote ? CToken::SingleQuotedText : CToken::DoubleQuotedText,
+                 std::u16string_view(data + begin + 1, end - begin - 1));
+      Consume(end + 1 - begin);
+      return true;
+    }
+    case B::kZero:
+    case B::kDigit:
+    case B::kMinus:
+      if (LexPlainNumber(begin, out)) return true;
+      [[fallthrough]];
+    case B::kPlus:
+    case B::kDot: {
+      G::TState state = G::kStart;
+      std::size_t end = begin;
+      while (end < size) {
+        B::TCharClass k = mGrammar.ClassOf(data[end]);
+        if (k == B::kHash && !special) k = B::kSymbol;
+        const G::TState next = mGrammar.Next(state, k);
+        if (next == G::kStop) break;
+        if (next == G::kSpecial) return false;
+        state = next;
+        ++end;
+      }
+      Consume(end - begin);
+      const std::u16string_view text(data + begin, end - begin);
+      const CToken::TTokenType kind = mGrammar.Kind(state);
+      double value = 0.0;
+      if (kind == CToken::Int || (kind == CToken::Double && state != G::kExponent &&
+                                  state != G::kExponentSign)) {
+        if (detail::ParsePlainDecimal(text, value)) {
+          out.Assign(kind, text, value, mRetainNumberText);
+          return true;
+        }
+      }
+      out = FinishToken(state, text);
+      return true;
+    }
+    case B::kSymbol:
+    case B::kUnderscore:
+    case B::kBackslash:
+      Consume(1);
+      out = CToken(CToken::Symbol, first);
+      return true;
+    case B::kSpace: {
+      std::size_t end = begin + 1;
+      while (end < size && mGrammar.ClassOf(data[end]) == B::kSpace) ++end;
+      Consume(end - begin);
+      out.Assign(CToken::WhiteSpace, std::u16string_view(data + begin, end - begin), 0.0);
+      return true;
+    }
+    case B::kEol:
+      Advance();
+      out = CToken(CToken::Eol);
+      return true;
+    case B::kOther:
+    case B::kCr:
+    case B::kHash:
+    case B::kComment:
+    case B::kClassCount:
+      return false;
+  }
+  return false;
+}
+
+bool CToken_textstreambuf::LexPlainNumber(std::size_t begin, CToken& out) {
+  // The numbers files are made of: an optional '-', digits, and a point with digits, read and
+  // converted in one pass. The number states of the table accept exactly this, and end the token
+  // at any character but a digit, a point (once), 'e' and, after a lone '0', 'x'; those two go
+  // to the table-driven path. The value is exact when the digits fit a double and the point
+  // moves them by at most 22 places: one correctly rounded division, as the C runtime reads it.
+  using B = CBase_grammar;
+  static constexpr double kPow10[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                      1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
+                                      1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+  constexpr std::uint64_t kExactLimit = std::uint64_t{1} << 53;
+  const AChar* const data = mInput.data();
+  const std::size_t size = mInput.size();
+  std::size_t p = begin;
+  const bool negative = data[p] == u'-';
+  if (negative) ++p;
+  auto isDigit = [&](std::size_t at) {
+    const B::TCharClass k = mGrammar.ClassOf(data[at]);
+    return k == B::kZero || k == B::kDigit;
+  };
+  if (p == size || !isDigit(p)) return false;  // a sign without digits: the table decides
+  std::uint64_t mantissa = 0;
+  bool exact = true;
+  for (; p < size && isDigit(p); ++p) {
+    if (mantissa < kExactLimit) {
+      mantissa = mantissa * 10 + static_cast<unsigned>(data[p] - u'0');
+    } else {
+      exact = false;
+    }
+  }
+  int fraction = 0;
+  bool point = false;
+  if (p < size && mGrammar.ClassOf(data[p]) == B::kDot) {
+    point = true;
+    for (++p; p < size && isDigit(p); ++p) {
+      ++fraction;
+      if (mantissa < kExactLimit) {
+        mantissa = mantissa * 10 + static_cast<unsigned>(data[p] - u'0');
+      } else {
+        exact = false;
+      }
+    }
+  }
+  if (p < size) {
+    const B::TCharClass k = mGrammar.ClassOf(data[p]);
+    if (k == B::kExp || k == B::kX) return false;
+  }
+  const std::u16string_view text(data + begin, p - begin);
+  double value = 0.0;
+  if (exact && mantissa <= kExactLimit && fraction <= 22) {
+    value = static_cast<double>(mantissa) / kPow10[fraction];
+    if (negative) value = -value;
+  } else if (!detail::ParsePlainDecimal(text, value)) {
+    return false;
+  }
+  Consume(p - begin);
+  out.Assign(point ? CToken::Double : CToken::Int, text, value, mRetainNumberText);
+  return true;
+}
+
+bool CToken_textstreambuf::LexEscapedText(CBase_grammar::TCharClass quote, std::size_t begin,
+                                          std::size_t escape, CToken& out) {
+  // A quoted text with escapes on one line: what the quoted states of the table do, with the
+  // text collected in mText. A line end, a comment character or the end of the input inside the
+  // text leaves the token to the general loop (which starts again at `begin`).
+  using B = CBase_grammar;
+  const AChar* const data = mInput.data();
+  const std::size_t size = mInput.size();
+  mText.assign(data + begin + 1, escape - begin - 1);
+  std::size_t i = escape;
+  while (i < size) {
+    const B::TCharClass k = mGrammar.ClassOf(data[i]);
+    if (k == quote) {
+      AssignText(out, quote == B::kSQuote ? CToken::SingleQuotedText : CToken::DoubleQuotedText,
+                 mText);
+      Consume(i + 1 - begin);
+      return true;
+    }
+    if (k == B::kEol || k == B::kCr || k == B::kComment) return false;
+    if (k == B::kBackslash) {
+      if (++i == size) return false;
+      const AChar c = data[i];
+      const B::TCharClass escaped = mGrammar.ClassOf(c);
+      if (escaped == B::kEol || escaped == B::kCr || escaped == B::kComment) return false;
+      mText.push_back(G::Unescape(c));
+    } else {
+      mText.push_back(data[i]);
+    }
+    ++i;
+  }
+  return false;
+}
+
+CToken CToken_textstreambuf::LexToken(bool special) {
   const StreamState start = mState;
   mText.clear();
   G::TState state = G::kStart;
-  while (!AtEnd()) {
-    const AChar c = mInput[mState.position];
+  while (HaveInput()) {
+    const AChar c = mInput[mState.position - mBase];
     CBase_grammar::TCharClass cls = mGrammar.ClassOf(c);
     if (cls == CBase_grammar::kHash && !special) cls = CBase_grammar::kSymbol;
     const G::TState next = mGrammar.Next(state, cls);
@@ -377,7 +709,7 @@ CToken CToken_textstreambuf::GetToken() {
         break;
       case G::kCDataDollarChar:
         if (MatchCDataEnd()) {
-          return FinishToken(G::kCDataEnd);
+          return FinishToken(G::kCDataEnd, mText);
         }
         mText.push_back(c);
         state = G::kCData;
@@ -395,7 +727,7 @@ CToken CToken_textstreambuf::GetToken() {
     }
     if (state == G::kSqEnd || state == G::kDqEnd) break;
   }
-  return FinishToken(state);
+  return FinishToken(state, mText);
 }
 
 bool CToken_textstreambuf::MatchCDataEnd() {
@@ -403,7 +735,7 @@ bool CToken_textstreambuf::MatchCDataEnd() {
   const StreamState dollar = mState;
   const std::u16string_view rest = std::u16string_view(mGrammar.CDataEnd()).substr(1);
   for (AChar expected : rest) {
-    if (AtEnd() || mInput[mState.position] != expected) {
+    if (!HaveInput() || mInput[mState.position - mBase] != expected) {
       RecoverFromFalseEndOfTextBlock(dollar);
       return false;
     }
@@ -440,7 +772,7 @@ void CToken_textstreambuf::RecoverFromFalseSpecialFloatKeyword(const StreamState
   mSuppressSpecial = true;
 }
 
-CToken CToken_textstreambuf::FinishToken(G::TState state) {
+CToken CToken_textstreambuf::FinishToken(G::TState state, std::u16string_view text) {
   switch (state) {
     case G::kSqOpen:
     case G::kSqText:
@@ -460,55 +792,73 @@ CToken CToken_textstreambuf::FinishToken(G::TState state) {
       break;
   }
   const CToken::TTokenType kind = mGrammar.Kind(state);
+  CToken token;
   switch (kind) {
     case CToken::Keyword:
-      if (mText == mGrammar.TrueWord()) return CToken(CToken::True);
-      if (mText == mGrammar.FalseWord()) return CToken(CToken::False);
-      return CToken(CToken::Keyword, mText);
+      if (text == std::u16string_view(mGrammar.TrueWord())) return CToken(CToken::True);
+      if (text == std::u16string_view(mGrammar.FalseWord())) return CToken(CToken::False);
+      token.Assign(CToken::Keyword, text, 0.0);
+      return token;
     case CToken::Short:
     case CToken::Int:
     case CToken::Double:
     case CToken::Hex:
-      return MakeNumber(kind, state);
+      return MakeNumber(kind, state, text);
     case CToken::Symbol:
-      if (mText.size() == 1) return CToken(CToken::Symbol, mText[0]);
-      return CToken(CToken::Symbol, mText);
+      if (text.size() == 1) return CToken(CToken::Symbol, text[0]);
+      token.Assign(CToken::Symbol, text, 0.0);
+      return token;
     case CToken::Eol:
       return CToken(CToken::Eol);
-    case CToken::Error: {
-      CToken error;
-      error.SetType(CToken::Error, mText, 0.0, true);
-      return error;
-    }
+    case CToken::Error:
+      token.Assign(CToken::Error, text, 0.0, true);
+      return token;
     default:
-      return CToken(kind, mText);
+      // The string kinds keep their text; Null and the other control kinds take none.
+      token.Assign(kind, text, 0.0);
+      return token;
   }
 }
 
-CToken CToken_textstreambuf::MakeNumber(CToken::TTokenType kind, G::TState state) {
+namespace {
+
+// The value of a number text of the lexer: the fast reader, else the C runtime's.
+bool NumberValue(std::u16string_view text, double& value) {
+  return detail::ParsePlainDecimal(text, value) || AString(text).IsNumber(value);
+}
+
+}  // namespace
+
+CToken CToken_textstreambuf::MakeNumber(CToken::TTokenType kind, G::TState state,
+                                        std::u16string_view text) {
   CToken token;
   if (kind == CToken::Hex) {
     // The digits after "0x" go through the token's own conversion, which refuses what does not
     // fit: such a text falls back to a SingleQuotedText like any number text that does not
     // convert.
-    const CToken probe(CToken::Hex, AString(mText.substr(2)));
-    if (probe.Type() != CToken::Hex) return CToken(CToken::SingleQuotedText, mText);
-    token.SetType(CToken::Hex, mText, probe.Value(), mRetainNumberText);
+    const CToken probe(CToken::Hex, AString(text.substr(2)));
+    if (probe.Type() != CToken::Hex) {
+      token.Assign(CToken::SingleQuotedText, text, 0.0);
+      return token;
+    }
+    token.Assign(CToken::Hex, text, probe.Value(), mRetainNumberText);
     return token;
   }
   if (kind == CToken::Short) {  // "0x" without digits
-    token.SetType(CToken::Short, mText, 0.0, mRetainNumberText);
+    token.Assign(CToken::Short, text, 0.0, mRetainNumberText);
     return token;
   }
-  if (state == G::kExponent || state == G::kExponentSign) {
-    // "1e" and "1e+": the mantissa's value; the dangling exponent is ignored.
-    const AString mantissa(mText.substr(0, mText.find_first_of(u"eE")));
-    double value = 0.0;
-    if (!mantissa.IsNumber(value)) return CToken(CToken::SingleQuotedText, mText);
-    token.SetType(CToken::Double, mText, value, mRetainNumberText);
+  double value = 0.0;
+  // "1e" and "1e+": the mantissa's value; the dangling exponent is ignored.
+  const std::u16string_view number =
+      state == G::kExponent || state == G::kExponentSign ? text.substr(0, text.find_first_of(u"eE"))
+                                                         : text;
+  if (!NumberValue(number, value)) {
+    token.Assign(CToken::SingleQuotedText, text, 0.0);
     return token;
   }
-  return CToken(kind, mText, mRetainNumberText);
+  token.Assign(kind, text, value, mRetainNumberText);
+  return token;
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -541,7 +891,7 @@ void CToken_textstreambuf::EndIndent() {
   mIndentSteps.pop_back();
 }
 
-void CToken_textstreambuf::Emit(AChar c) {
+void CToken_textstreambuf::EmitSlow(AChar c) {
   if (!mUtf8) {
     mWide.push_back(c);
     return;
@@ -553,7 +903,7 @@ void CToken_textstreambuf::Emit(AChar c) {
       mPendingHigh = 0;
     } else {
       mPendingHigh = 0;
-      Emit(0xfffd);  // an unpaired high surrogate
+      EmitSlow(0xfffd);  // an unpaired high surrogate
     }
   } else if (IsHighSurrogate(c)) {
     mPendingHigh = c;
@@ -579,7 +929,34 @@ void CToken_textstreambuf::Emit(AChar c) {
 }
 
 void CToken_textstreambuf::EmitText(std::u16string_view text) {
-  for (AChar c : text) Emit(c);
+  // Runs of ASCII go to the UTF-8 output in one piece; the rest character by character.
+  const std::size_t n = text.size();
+  std::size_t i = 0;
+  while (i < n) {
+    if (mUtf8 && mPendingHigh == 0) {
+      std::size_t j = i;
+      while (j < n && text[j] < 0x80) ++j;
+      if (j - i <= 16) {
+        for (std::size_t k = i; k < j; ++k) mBytes.push_back(static_cast<char>(text[k]));
+      } else {
+        const std::size_t old = mBytes.size();
+        mBytes.resize(old + (j - i));
+        char* out = mBytes.data() + old;
+        for (std::size_t k = i; k < j; ++k) *out++ = static_cast<char>(text[k]);
+      }
+      i = j;
+      if (i == n) break;
+    }
+    Emit(text[i++]);
+  }
+}
+
+void CToken_textstreambuf::EmitAscii(const char* text, std::size_t length) {
+  if (mUtf8 && mPendingHigh == 0) {
+    mBytes.append(text, length);
+    return;
+  }
+  for (std::size_t i = 0; i < length; ++i) Emit(static_cast<AChar>(text[i]));
 }
 
 bool CToken_textstreambuf::PadToken(CToken::TTokenType previous, AChar last,
@@ -640,7 +1017,9 @@ void CToken_textstreambuf::PutWord(CToken::TTokenType kind, std::u16string_view 
 }
 
 void CToken_textstreambuf::PutSymbol(AChar symbol) {
-  PutWord(CToken::Symbol, std::u16string_view(&symbol, 1));
+  BeginToken(CToken::Symbol, symbol);
+  Emit(symbol);
+  EndToken(CToken::Symbol, symbol);
 }
 
 void CToken_textstreambuf::PutBlank() {
@@ -656,7 +1035,7 @@ void CToken_textstreambuf::PutNumberText(const char* text, std::size_t length) {
       static_cast<std::size_t>(mWidth) > length ? static_cast<std::size_t>(mWidth) - length : 0;
   BeginToken(CToken::Double, padding > 0 ? u' ' : static_cast<AChar>(text[0]));
   for (std::size_t i = 0; i < padding; ++i) Emit(u' ');
-  for (std::size_t i = 0; i < length; ++i) Emit(static_cast<AChar>(text[i]));
+  EmitAscii(text, length);
   EndToken(CToken::Double, static_cast<AChar>(text[length - 1]));
 }
 
@@ -693,7 +1072,7 @@ void CToken_textstreambuf::PutDouble(double value) {
             .ptr -
         buf);
   } else {
-    n = ShortestDouble(value, buf, sizeof buf - 2);
+    n = detail::FormatShortestDouble(value, buf);
   }
   if (std::memchr(buf, '.', n) == nullptr && std::memchr(buf, 'e', n) == nullptr) {
     buf[n++] = '.';  // so that it reads back as a Double, not an Int
@@ -714,8 +1093,12 @@ void CToken_textstreambuf::QuoteText(std::u16string_view text, AChar quote) {
   }
   BeginToken(kind, quote);
   Emit(quote);
+  std::size_t plain = 0;  // the start of the run of characters that need no escape
   for (std::size_t i = 0; i < text.size(); ++i) {
     const AChar c = text[i];
+    if (c != quote && c != u'\\' && !IsControl(c)) continue;
+    EmitText(text.substr(plain, i - plain));
+    plain = i + 1;
     if (c == u'\r') {
       // CR LF is a line end, written as a line continuation (it reads back as LF). Carriage
       // returns that run into the line end belong to it: were they escaped one by one, the last
@@ -726,19 +1109,14 @@ void CToken_textstreambuf::QuoteText(std::u16string_view text, AChar quote) {
         Emit(u'\\');
         Emit(u'\n');
         i = j;
+        plain = i + 1;
         continue;
       }
     }
-    if (c == quote || IsControl(c)) {
-      Emit(u'\\');
-      Emit(c);
-    } else if (c == u'\\') {
-      Emit(u'\\');
-      Emit(u'\\');
-    } else {
-      Emit(c);
-    }
+    Emit(u'\\');
+    Emit(c);  // the quote, a control character, or the second backslash
   }
+  EmitText(text.substr(plain));
   Emit(quote);
   EndToken(kind, quote);
 }
@@ -867,6 +1245,18 @@ void CToken_textstreambuf::PutToken(const CToken& token) {
   }
 }
 
+std::string CToken_textstreambuf::TakeOutputBytes() {
+  std::string bytes;
+  if (mUtf8) {
+    if (mPendingHigh != 0) mBytes += "\xef\xbf\xbd";
+    bytes.swap(mBytes);
+  } else {
+    bytes = mWide.Serialize(mEncoding);
+  }
+  ClearOutput();
+  return bytes;
+}
+
 std::string CToken_textstreambuf::OutputBytes() const {
   if (!mUtf8) return mWide.Serialize(mEncoding);
   if (mPendingHigh == 0) return mBytes;
@@ -922,10 +1312,17 @@ void CToken_istream::SetInput(AString text) {
   NextToken();
 }
 
+void CToken_istream::SetInputSource(std::function<bool(AString&)> source) {
+  mBuf.SetInputSource(std::move(source));
+  ClearError();
+  mOpenBlocks.clear();
+  NextToken();
+}
+
 void CToken_istream::NextToken() {
   for (;;) {
     mBuf.SkipWhiteSpace();
-    mCurrent = mBuf.GetToken();
+    mBuf.GetToken(mCurrent);
     if (mCurrent.Type() != CToken::WhiteSpace && !mCurrent.IsComment()) break;
   }
   mLine = mBuf.TokenLine();
@@ -933,19 +1330,27 @@ void CToken_istream::NextToken() {
   mUnterminated = mBuf.LastTokenUnterminated();
 }
 
-bool CToken_istream::IsBeginBlock() const {
-  return mCurrent.IsKeyword() && mCurrent.Compare(u"$begin", true) == 0;
-}
+bool CToken_istream::IsBeginBlock() const { return IsKeywordText(mCurrent, u"$begin"); }
 
 bool CToken_istream::IsEndBlock() const {
-  return Fail() || mCurrent.IsEof() ||
-         (mCurrent.IsKeyword() && mCurrent.Compare(u"$end", true) == 0);
+  return Fail() || mCurrent.IsEof() || IsKeywordText(mCurrent, u"$end");
 }
 
 namespace {
 
 // Block names may be empty texts: an unnamed block is written as $begin ''.
 bool CanNameBlock(const CToken& token) { return CanStandAsName(token) || token.IsText(); }
+
+}  // namespace
+
+namespace {
+
+// The text of a name token as TokenNameText gives it, without a copy for the text kinds.
+std::u16string_view NameView(const CToken& token, AString& storage) {
+  if (token.IsString()) return std::u16string_view(token.ACharPtr(), token.ACharLen());
+  storage = TokenNameText(token);
+  return storage;
+}
 
 }  // namespace
 
@@ -956,49 +1361,59 @@ bool CToken_istream::OpenBlock(CToken& name) {
   }
   NextToken();
   if (CanNameBlock(mCurrent)) {
-    const AString text = TokenNameText(mCurrent);
-    name = CToken(CToken::SingleQuotedText, text);
-    mOpenBlocks.push_back({text, true});
+    // A quoted name is the usual case: the token is taken as it is (its buffer is shared).
+    if (mCurrent.Type() == CToken::SingleQuotedText) {
+      name = mCurrent;
+    } else {
+      name = CToken(CToken::SingleQuotedText, TokenNameText(mCurrent));
+    }
+    mOpenBlocks.push_back({name, true});
     NextToken();
     return true;
   }
   // The block is open all the same; its closing name cannot be checked.
   name = CToken(CToken::SingleQuotedText, AString());
-  mOpenBlocks.push_back({AString(), false});
+  mOpenBlocks.push_back({name, false});
   SetFail(AString(u"$begin without a block name"));
   return false;
 }
 
 bool CToken_istream::CloseBlock(const CToken& name) {
-  const AString expected = TokenNameText(name);
+  AString expectedStorage;
+  const std::u16string_view expected = NameView(name, expectedStorage);
   const bool known = mOpenBlocks.empty() || mOpenBlocks.back().named;
   if (!mOpenBlocks.empty()) mOpenBlocks.pop_back();
-  const bool isEnd = mCurrent.IsKeyword() && mCurrent.Compare(u"$end", true) == 0;
+  const bool isEnd = IsKeywordText(mCurrent, u"$end");
   if (!isEnd) {
-    SetFail(u"missing $end '" + expected + u"'");
+    SetFail(u"missing $end '" + AString(expected) + u"'");
     return false;
   }
   const Mark atEnd = SaveStreamState();
   NextToken();
   if (!CanNameBlock(mCurrent)) {
-    SetFail(u"$end without a block name (closing '" + expected + u"')");
+    SetFail(u"$end without a block name (closing '" + AString(expected) + u"')");
     return false;
   }
-  const AString found = TokenNameText(mCurrent);
+  AString foundStorage;
+  const std::u16string_view found = NameView(mCurrent, foundStorage);
   if (!known || found == expected) {
     NextToken();
     return true;
   }
   // A closing line of an enclosing block means this block's own $end is missing: leave the
   // line to its owner so that only one error is reported.
+  const AString foundText(found);
   bool enclosing = false;
-  for (const OpenName& open : mOpenBlocks) enclosing |= open.named && open.name == found;
+  for (const OpenName& open : mOpenBlocks) {
+    AString storage;
+    enclosing |= open.named && NameView(open.name, storage) == std::u16string_view(foundText);
+  }
   if (enclosing) {
     RestoreStreamState(atEnd);
-    SetFail(u"missing $end '" + expected + u"' before $end '" + found + u"'");
+    SetFail(u"missing $end '" + AString(expected) + u"' before $end '" + foundText + u"'");
   } else {
     NextToken();
-    SetFail(u"$end '" + found + u"' does not close $begin '" + expected + u"'");
+    SetFail(u"$end '" + foundText + u"' does not close $begin '" + AString(expected) + u"'");
   }
   return false;
 }
@@ -1012,7 +1427,7 @@ void CToken_istream::SkipBlock() {
   int depth = 0;
   do {
     const bool begin = IsBeginBlock();
-    const bool end = !begin && mCurrent.IsKeyword() && mCurrent.Compare(u"$end", true) == 0;
+    const bool end = !begin && IsKeywordText(mCurrent, u"$end");
     if (mCurrent.IsEof()) break;
     NextToken();
     if (begin || end) {

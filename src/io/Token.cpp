@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <charconv>
 #include <cfloat>
 #include <cmath>
 #include <cstring>
@@ -20,6 +21,7 @@
 
 #include "wycore/core/Check.h"
 #include "wycore/io/TokenStream.h"
+#include "NumberText.h"
 
 namespace io {
 
@@ -107,18 +109,6 @@ CToken& CToken::operator=(const CToken& other) {
   return *this;
 }
 
-CToken& CToken::operator=(CToken&& other) noexcept {
-  if (this == &other) return *this;
-  if (mText != nullptr) Release();
-  mType = other.mType;
-  mText = other.mText;
-  mData = other.mData;
-  other.mType = Null;
-  other.mText = nullptr;
-  other.mData.mValue = 0.0;
-  return *this;
-}
-
 void CToken::Clear() noexcept {
   if (mText != nullptr) Release();
   mType = Null;
@@ -147,10 +137,10 @@ void CToken::Release() noexcept {
   mText = nullptr;
 }
 
-void CToken::StoreText(const AString& text) {
+void CToken::StoreText(std::u16string_view text) {
   std::size_t length = text.size();
   if (IsString(mType)) {
-    if (length <= 3 && text.find(AChar(0)) == AString::npos) {
+    if (length <= 3 && text.find(AChar(0)) == text.npos) {
       for (std::size_t i = 0; i < 4; ++i) mData.mInline[i] = i < length ? text[i] : AChar(0);
     } else {
       mText = NewBuffer(text.data(), length);
@@ -175,7 +165,7 @@ void CToken::SetType(TTokenType type, const AString& text, bool keepText) {
     }
   } else if (IsNumber(type)) {
     double value = 0.0;
-    if (text.IsNumber(value)) {
+    if (detail::ParsePlainDecimal(text, value) || text.IsNumber(value)) {
       mData.mValue = value;
     } else {
       mType = SingleQuotedText;
@@ -185,6 +175,10 @@ void CToken::SetType(TTokenType type, const AString& text, bool keepText) {
 }
 
 void CToken::SetType(TTokenType type, const AString& text, double value, bool keepText) {
+  Assign(type, text, value, keepText);
+}
+
+void CToken::Assign(TTokenType type, std::u16string_view text, double value, bool keepText) {
   if (mText != nullptr) Release();
   mData.mValue = 0.0;
   mType = type;
@@ -194,6 +188,75 @@ void CToken::SetType(TTokenType type, const AString& text, double value, bool ke
   }
   mData.mValue = value;
   if (keepText) StoreText(text);
+}
+
+bool detail::ParsePlainDecimal(std::u16string_view text, double& value) noexcept {
+  // Only the plain form [sign] digits [. digits] [e [sign] digits]; everything else (blanks,
+  // words, hexadecimal) is left to the C runtime.
+  constexpr std::uint64_t kExactLimit = std::uint64_t{1} << 53;
+  static constexpr double kPow10[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                      1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
+                                      1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+  const std::size_t n = text.size();
+  std::size_t i = 0;
+  const bool negative = n > 0 && text[0] == u'-';
+  if (n > 0 && (text[0] == u'+' || text[0] == u'-')) ++i;
+  std::uint64_t mantissa = 0;
+  bool exact = true;  // the digits fit a double exactly
+  int digits = 0;
+  int fraction = 0;
+  bool point = false;
+  for (; i < n; ++i) {
+    const AChar c = text[i];
+    if (c >= u'0' && c <= u'9') {
+      ++digits;
+      if (point) ++fraction;
+      if (mantissa < kExactLimit) {
+        mantissa = mantissa * 10 + static_cast<unsigned>(c - u'0');
+      } else {
+        exact = false;
+      }
+    } else if (c == u'.' && !point) {
+      point = true;
+    } else {
+      break;
+    }
+  }
+  if (digits == 0) return false;
+  int exponent = 0;
+  if (i < n) {
+    if (text[i] != u'e' && text[i] != u'E') return false;
+    ++i;
+    bool negativeExponent = false;
+    if (i < n && (text[i] == u'+' || text[i] == u'-')) negativeExponent = text[i++] == u'-';
+    if (i == n) return false;
+    for (; i < n; ++i) {
+      if (text[i] < u'0' || text[i] > u'9') return false;
+      if (exponent < 100000) exponent = exponent * 10 + (text[i] - u'0');
+    }
+    if (negativeExponent) exponent = -exponent;
+  }
+  // Both operands exact and one correctly rounded operation: the correctly rounded value, as
+  // the C runtime reads it (Clinger's fast path).
+  const int scale = exponent - fraction;
+  if (exact && mantissa <= kExactLimit && scale >= -22 && scale <= 22) {
+    const double m = static_cast<double>(mantissa);
+    const double result = scale >= 0 ? m * kPow10[scale] : m / kPow10[-scale];
+    value = negative ? -result : result;
+    return true;
+  }
+  // Longer or larger numbers: std::from_chars on an ASCII copy (it takes no '+' sign). It
+  // rounds correctly too; a result out of the double range is left to the C runtime.
+  constexpr std::size_t kMaxLength = 64;
+  if (n > kMaxLength) return false;
+  char buf[kMaxLength];
+  const std::size_t from = text[0] == u'+' ? 1 : 0;
+  for (std::size_t k = from; k < n; ++k) buf[k - from] = static_cast<char>(text[k]);
+  double result = 0.0;
+  const auto r = std::from_chars(buf, buf + (n - from), result);
+  if (r.ec != std::errc() || r.ptr != buf + (n - from)) return false;
+  value = result;
+  return true;
 }
 
 // ---- Inspection ----------------------------------------------------------------------------

@@ -10,8 +10,11 @@
 #include "NameLess.h"
 #include "wycore/core/Check.h"
 #include "wycore/core/DebugLog.h"
+#include "wycore/units/NumberReader.h"
 #include "wycore/units/UnitDefinition.h"
 #include "wycore/value/ComplexValue.h"
+#include "wycore/value/Expression.h"
+#include "wycore/value/ExpressionParser.h"
 #include "wycore/value/FloatValue.h"
 #include "wycore/value/StringValue.h"
 #include "wycore/variables/ValueParser.h"
@@ -381,8 +384,31 @@ ValueBase* ValueManager::CreateValueBase(const AString& text, Units::FullUnitTyp
     if (!hasImaginary) return new FloatValue(number.real(), found);
     if (mComplexValuesEnabled) return new ComplexValue(number, found);
   }
-  if (mValueParser != nullptr) return mValueParser->ParseText(text, units);
-  return nullptr;
+  // Everything else is an expression. With an installed value parser the first attempt is
+  // silent, so that a text only that parser knows reports nothing; the error of a text nobody
+  // knows is reported by a second, reporting parse.
+  ExpressionParser parser(true, NumberReader::DefaultWhiteSpace());
+  if (mValueParser != nullptr) {
+    parser.SetReportErrors(false);
+    if (ValueBase* expression = ParseExpression(parser, text, units)) return expression;
+    if (ValueBase* value = mValueParser->ParseText(text, units)) return value;
+    parser.SetReportErrors(true);
+  }
+  return ParseExpression(parser, text, units);
+}
+
+ValueBase* ValueManager::ParseExpression(ExpressionParser& parser, const AString& text,
+                                         Units::FullUnitType units) const {
+  try {
+    std::unique_ptr<Expression> expression(parser.Parse(text, units, true, nullptr));
+    // While complex values are disabled an expression may not yield one either.
+    if (!mComplexValuesEnabled && expression->GetParameterType() == val::kComplexParam) {
+      return nullptr;
+    }
+    return expression.release();
+  } catch (int) {
+    return nullptr;  // the parser has reported the error
+  }
 }
 
 bool ValueManager::ReplaceObsoletedNamesInText(AString& text) const {

@@ -12,7 +12,9 @@
 #include "wycore/core/Check.h"
 #include "wycore/value/Value.h"
 #include "wycore/variables/Function.h"
+#include "wycore/variables/ValueFormatContext.h"
 #include "wycore/variables/ValueManager.h"
+#include "wycore/variables/ValueTextGenerator.h"
 #include "wycore/variables/Variable.h"
 
 namespace {
@@ -33,6 +35,7 @@ void Value::InitializeValues() {
   delete msValueManager;
   msValueManager = nullptr;
   msValueManager = new ValueManager();
+  Function::StaticInitializeFunctions();
 }
 
 void Value::UnInitializeValues() {
@@ -63,6 +66,14 @@ bool Value::IsValidText(const AString& text) {
   std::unique_ptr<ValueBase> value(msValueManager->CreateValueBase(text, Units::NoUnits));
   msValueManager->DisablePostingErrorMessages(wasDisabled);
   return value != nullptr;
+}
+
+AString Value::GenerateExpressionText(const Expression& expression) {
+  // The strategy of the current output format, or the canonical text.
+  ValueTextGenerator generator(io::globalmanip::ValueFormatContext::m_pStrategy);
+  AString text;
+  if (!generator.GenerateText(expression, text)) return AString();
+  return text;
 }
 
 // ---- Function table ----------------------------------------------------------------------
@@ -112,6 +123,11 @@ AString Value::GetFunctionName(int functionID) {
 void Value::GetConversionFunctionNames(std::vector<AString>& out) {
   if (!WY_CHECK(msValueManager)) return;
   msValueManager->GetConversionFunctionNames(out);
+}
+
+bool Value::ApplyFunctionModifications(std::vector<const Function*>& functions) {
+  if (!WY_CHECK(msValueManager)) return false;
+  return msValueManager->GetValueChanger().ApplyFunctionModifications(functions, true);
 }
 
 // ---- Intrinsic, predefined and constant variables ----------------------------------------

@@ -204,7 +204,12 @@ TEST(ValueManager, CreateValueBaseReadsNumbersLiteralsAndAsksTheParser) {
   v.reset(manager.CreateValueBase(u"\"a b\"", Units::NoUnits));
   ASSERT_NE(v, nullptr);
   EXPECT_EQ(v->GetStringValue(), u"\"a b\"");
-  for (const char16_t* text : {u"", u"a+b", u"3 furlongs", u"1 2", u"\"", u"pi"}) {
+  // Names and operators go to the expression parser: "pi" is an expression, "a+b" is not (no
+  // such names), and neither are malformed texts.
+  v.reset(manager.CreateValueBase(u"pi", Units::NoUnits));
+  ASSERT_NE(v, nullptr);
+  EXPECT_DOUBLE_EQ(v->GetValue(), 3.141592653589793);
+  for (const char16_t* text : {u"", u"a+b", u"3 furlongs", u"1 2", u"\""}) {
     SCOPED_TRACE(AString(text).TStr());
     EXPECT_EQ(std::unique_ptr<ValueBase>(manager.CreateValueBase(text, Units::NoUnits)), nullptr);
     EXPECT_FALSE(Value::IsValidText(text));

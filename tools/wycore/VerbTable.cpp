@@ -15,6 +15,8 @@ int RunUnits(const Args&);
 extern const char* const kUnitsUsage;
 int RunConvert(const Args&);
 extern const char* const kConvertUsage;
+int RunEval(const Args&);
+extern const char* const kEvalUsage;
 
 const std::vector<Verb>& AllVerbs() {
   static const std::vector<Verb> verbs = {
@@ -22,6 +24,8 @@ const std::vector<Verb>& AllVerbs() {
       {"fmt", "write a storage file in its canonical text form", kFmtUsage, RunFmt},
       {"units", "list the unit types, or the units of one type", kUnitsUsage, RunUnits},
       {"convert", "convert a value with its unit into another unit", kConvertUsage, RunConvert},
+      {"eval", "evaluate an expression; print its value and its canonical text", kEvalUsage,
+       RunEval},
   };
   return verbs;
 }

@@ -53,6 +53,9 @@ class CBlock_func;
 class CBlock_vec;
 class CBlock_named_value;
 class CBlock_value;
+// The tree algorithms of Block.cpp: copying, comparing, measuring, writing and destroying a tree
+// without recursion, so that no depth of nesting can exhaust the stack.
+struct CBlockTree;
 
 // Anything that writes itself to and reads itself from a token stream.
 class WYCORE_API CStreamio_object {
@@ -143,10 +146,11 @@ inline CToken ValueToken(const AChar* value) {
 inline CToken ValueToken(const CToken& value) { return value; }
 
 // The scalar types an item can be queried for.
-#define WYCORE_BLOCK_QUERY_TYPES(X)                                                       \
-  X(bool)                                                                                 \
-  X(short) X(unsigned short) X(int) X(unsigned int) X(long) X(unsigned long) X(long long) \
-      X(unsigned long long) X(float) X(double) X(AString)
+// clang-format off
+#define WYCORE_BLOCK_QUERY_TYPES(X) \
+  X(bool) X(short) X(unsigned short) X(int) X(unsigned int) X(long) X(unsigned long) \
+  X(long long) X(unsigned long long) X(float) X(double) X(AString)
+// clang-format on
 
 // The abstract item.
 class WYCORE_API CBlock_item : public CStreamio_object {
@@ -168,15 +172,15 @@ class WYCORE_API CBlock_item : public CStreamio_object {
   virtual bool IsVec() const { return false; }
 
   // True when the item has a name with text.
-  bool IsNamed() const { return !mName.IsEmpty(); }
+  virtual bool IsNamed() const { return !mName.IsEmpty(); }
   // No contents (no items, tokens or arguments; a Null value).
   virtual bool Empty() const = 0;
   // The name as text (a number name as it was written or printed); empty without a name.
-  AString Name() const;
+  virtual AString Name() const;
   // Sets the name: a keyword when the text is one, else a SingleQuotedText (blocks: always a
   // SingleQuotedText, since $begin lines quote their names). Plain values have no name.
   virtual void Name(const AString& name);
-  const CToken& NameToken() const { return mName; }
+  virtual const CToken& NameToken() const { return mName; }
   // Sets the name token as it stands (a name read from a stream keeps its kind).
   virtual void SetNameToken(const CToken& name) { mName = name; }
   // Items, tokens or arguments contained.
@@ -377,6 +381,8 @@ class WYCORE_API CBlock_func : public CBlock_item {
   CBlock_func& operator=(const CBlock_func& other);
   CBlock_func(CBlock_func&&) noexcept = default;
   CBlock_func& operator=(CBlock_func&&) noexcept = default;
+  // Nested arguments are released without recursion (see CBlockTree).
+  ~CBlock_func() override;
 
   bool IsFunc() const override { return true; }
   bool Empty() const override { return mArgs.empty(); }
@@ -427,6 +433,7 @@ class WYCORE_API CBlock_func : public CBlock_item {
   void ReadRest(CAbstract_istream& stream);
 
  private:
+  friend struct CBlockTree;
   std::vector<CBlockPtr> mArgs;
 };
 
@@ -461,6 +468,8 @@ class WYCORE_API CBlock : public CBlock_item {
   CBlock& operator=(const CBlock& other);
   CBlock(CBlock&& other) noexcept;
   CBlock& operator=(CBlock&& other) noexcept;
+  // Nested items are released without recursion (see CBlockTree).
+  ~CBlock() override;
 
   bool IsBlock() const override { return true; }
   bool Empty() const override { return mItems.empty(); }
@@ -560,6 +569,7 @@ class WYCORE_API CBlock : public CBlock_item {
   template <class Pred>
   const CBlock_item* Extract(bool named, Pred pred) const;
 
+  friend struct CBlockTree;
   std::vector<CBlockPtr> mItems;
   std::list<XStreamioError> mErrors;
   mutable std::size_t mCursor = 0;

@@ -30,8 +30,10 @@ class WYCORE_API CStorageFile {
   // are collected in the blocks and do not make the result false.
   static bool Read(const AString& path, CBlock& root, AString* ioError = nullptr,
                    i18n::TEncoding encoding = i18n::kUtf8);
-  // Reads the items of `text` into `root`.
+  // Reads the items of `text` into `root`. The second form reads the text in place instead of
+  // copying it (a decoded file is twice the size of its bytes).
   static void ReadText(const AString& text, CBlock& root);
+  static void ReadText(AString&& text, CBlock& root);
   // Decodes file bytes: UTF-8 (without its byte-order mark) or the named encoding.
   static AString Decode(const std::string& bytes, i18n::TEncoding encoding = i18n::kUtf8);
 

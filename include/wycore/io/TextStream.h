@@ -31,6 +31,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -202,11 +203,20 @@ class WYCORE_API CToken_textstreambuf {
   // ---- Input -----------------------------------------------------------------------------
 
   void SetInput(AString input);
+  // Reads the input in pieces: `source` appends the next piece of text to its argument and
+  // returns false when there is none. Only the text from the previous token on is held (and
+  // all of a line that is being read), so a saved state from before the previous token can no
+  // longer be restored; this is for reading large files from the start to the end.
+  void SetInputSource(std::function<bool(AString&)> source);
+  // The input text held: all of it, or for a source-fed stream the part from InputBase() on.
   const AString& Input() const { return mInput; }
+  std::size_t InputBase() const { return mBase; }
 
   // The next token of the input, WhiteSpace, Comment and Eol included; Eof at the end, as often
   // as asked. An unknown character gives an Error token holding it, and fires a check.
   CToken GetToken();
+  // The same, into `out` (no temporary token): the token stream's way.
+  void GetToken(CToken& out);
   // Skips white space and comments; true when something was skipped. Cheaper than GetToken for
   // tokens the caller does not want.
   bool SkipWhiteSpace();
@@ -218,7 +228,7 @@ class WYCORE_API CToken_textstreambuf {
   // Where the next character stands.
   int Line() const { return mState.line; }
   int Column() const { return mState.column; }
-  bool AtEnd() const { return mState.position >= mInput.size(); }
+  bool AtEnd() const { return !mSource && mState.position - mBase >= mInput.size(); }
 
   StreamState SaveStreamState() const { return mState; }
   void RestoreStreamState(const StreamState& state);
@@ -297,22 +307,54 @@ class WYCORE_API CToken_textstreambuf {
 
   // The output so far: bytes in the stream's encoding, or as text.
   std::string OutputBytes() const;
+  // The output bytes, moved out: the output is empty afterwards.
+  std::string TakeOutputBytes();
   AString OutputText() const;
   std::size_t OutputSize() const { return mUtf8 ? mBytes.size() : mWide.size(); }
   void ClearOutput();
 
  private:
-  AChar Peek(std::size_t ahead = 0) const noexcept;
-  void Advance() noexcept;
-  CToken FinishToken(CToken_grammar::TState state);
-  CToken MakeNumber(CToken::TTokenType kind, CToken_grammar::TState state);
+  AChar Peek(std::size_t ahead = 0);
+  void Advance();
+  // Source-fed input: more text (false at the end), a held character at the position, and the
+  // whole current line held.
+  bool MoreInput();
+  bool HaveInput();
+  void EnsureLine();
+  // Moves over `count` characters that hold no line end.
+  void Consume(std::size_t count) noexcept {
+    mState.position += count;
+    mState.column += static_cast<int>(count);
+  }
+  // The classes kAlpha .. kUnderscore are exactly the characters that continue a keyword.
+  static bool IsKeywordClass(CBase_grammar::TCharClass cls) noexcept {
+    return (cls >= CBase_grammar::kAlpha && cls <= CBase_grammar::kUnderscore);
+  }
+  // Stores a text token, sharing the buffer of an earlier token with the same kind and text.
+  void AssignText(CToken& out, CToken::TTokenType kind, std::u16string_view text);
+  bool LexCommonToken(bool special, CToken& out);
+  bool LexPlainNumber(std::size_t begin, CToken& out);
+  bool LexEscapedText(CBase_grammar::TCharClass quote, std::size_t begin, std::size_t escape,
+                      CToken& out);
+  CToken LexToken(bool special);
+  CToken FinishToken(CToken_grammar::TState state, std::u16string_view text);
+  CToken MakeNumber(CToken::TTokenType kind, CToken_grammar::TState state,
+                    std::u16string_view text);
   bool MatchSpecialFloat(CToken& out);
   bool MatchCDataEnd();
   void RecoverFromFalseEndOfTextBlock(const StreamState& dollar);
   void RecoverFromFalseSpecialFloatKeyword(const StreamState& start);
 
-  void Emit(AChar c);
+  void Emit(AChar c) {
+    if (mUtf8 && c < 0x80 && mPendingHigh == 0) {
+      mBytes.push_back(static_cast<char>(c));
+    } else {
+      EmitSlow(c);
+    }
+  }
+  void EmitSlow(AChar c);
   void EmitText(std::u16string_view text);
+  void EmitAscii(const char* text, std::size_t length);
   void BeginToken(CToken::TTokenType kind, AChar first);
   void EndToken(CToken::TTokenType kind, AChar last);
   void PutNumberText(const char* text, std::size_t length);
@@ -321,6 +363,11 @@ class WYCORE_API CToken_textstreambuf {
 
   // Input.
   AString mInput;
+  std::function<bool(AString&)> mSource;  // more input; empty when all of it is in mInput
+  std::size_t mBase = 0;                  // the position of mInput[0]
+  std::size_t mKeepFrom = 0;              // text before this may be let go
+  std::size_t mTokenStart = 0;            // where the last token started
+  std::size_t mLineEnd = 0;               // one past the last LF held
   StreamState mState;
   AString mText;  // the text of the token being collected
   int mTokenLine = 1;
@@ -329,6 +376,10 @@ class WYCORE_API CToken_textstreambuf {
   bool mSuppressSpecial = false;
   bool mParseSpecialFloats = true;
   bool mRetainNumberText = false;
+  // Recent texts, so that a name or value that recurs shares one buffer (see AssignText).
+  static constexpr std::size_t kTextCacheSize = 256;
+  CToken mTextCache[kTextCacheSize];
+  std::uint8_t mTextCacheUses[kTextCacheSize] = {};  // shares handed out since the buffer was made
 
   // Output.
   i18n::TEncoding mEncoding = i18n::kUtf8;
@@ -359,6 +410,8 @@ class WYCORE_API CToken_istream : public CAbstract_istream {
   const CToken_textstreambuf& Buffer() const { return mBuf; }
   // Starts over on a new text (failure state and open blocks are reset).
   void SetInput(AString text);
+  // Starts over on text read in pieces (see CToken_textstreambuf::SetInputSource).
+  void SetInputSource(std::function<bool(AString&)> source);
 
   const CToken& Token() const override { return mCurrent; }
   void NextToken() override;
@@ -391,8 +444,8 @@ class WYCORE_API CToken_istream : public CAbstract_istream {
   int mColumn = 1;
   bool mUnterminated = false;
   struct OpenName {
-    AString name;
-    bool named;  // false when $begin had no name: any closing name is taken
+    CToken name;  // the name as OpenBlock handed it out
+    bool named;   // false when $begin had no name: any closing name is taken
   };
   std::vector<OpenName> mOpenBlocks;  // the blocks opened and not yet closed
 };

@@ -26,6 +26,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
 #include <type_traits>
 
 #include "wycore/Export.h"
@@ -103,7 +104,18 @@ class WYCORE_API CToken {
     other.mData.mValue = 0.0;
   }
   CToken& operator=(const CToken& other);
-  CToken& operator=(CToken&& other) noexcept;
+  CToken& operator=(CToken&& other) noexcept {
+    if (this != &other) {
+      if (mText != nullptr) Release();
+      mType = other.mType;
+      mText = other.mText;
+      mData = other.mData;
+      other.mType = Null;
+      other.mText = nullptr;
+      other.mData.mValue = 0.0;
+    }
+    return *this;
+  }
   ~CToken() {
     if (mText != nullptr) Release();
   }
@@ -126,6 +138,9 @@ class WYCORE_API CToken {
   // Sets kind and value directly, without reading the text. A string kind stores the text; any
   // other kind keeps it only when `keepText` is set.
   void SetType(TTokenType type, const AString& text, double value, bool keepText = false);
+  // The same as the SetType above for a text held anywhere (no AString is made): the lexer's way
+  // of turning a slice of its input into a token.
+  void Assign(TTokenType type, std::u16string_view text, double value, bool keepText = false);
 
   // ---- Inspection --------------------------------------------------------------------------
 
@@ -277,7 +292,7 @@ class WYCORE_API CToken {
   // Stores `text` for the current kind: a string kind inline (up to 3 characters without a zero
   // among them) or in a new buffer; any other kind in a new buffer, cut at its first zero
   // character because such a buffer's length is found by its terminating zero.
-  void StoreText(const AString& text);
+  void StoreText(std::u16string_view text);
   // The number of characters in the buffer (mText must not be null).
   std::size_t BufferLength() const noexcept;
   // A share of this token's buffer for a copy: the same buffer with its count incremented, or a

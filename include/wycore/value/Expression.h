@@ -83,10 +83,10 @@ class WYCORE_API Expression : public ValueBase {
   AString GetStringValue() const override;
   ADValue<double> GetDValue(int order, const Variable& variable) const override;
   ADValue<AComplex<double>> GetDComplexValue(int order, const Variable& variable) const override;
-  // The text as written (canonical form); no pieces for units or suffix.
+  // The canonical text; with explicit units "(text)" and the units' name as the units piece.
   void GetValueText(AString& text, AString& units, AString& suffix) const override;
-  AString GetValueText() const override { return mText; }
-  // The text followed by the explicit units' name when they are set.
+  // The canonical text, or "(text) unit" with explicit units: the form Parse reads back.
+  AString GetValueText() const override;
   AString GetValueTextIncorporateOverrideUnits() const override;
   ValueBase* CloneValueBase() const override;
   // By value: real results by the value model's number equality, complex results by both parts,
@@ -124,14 +124,16 @@ class WYCORE_API Expression : public ValueBase {
  private:
   friend class ExpressionParser;
 
-  // Parser interface: appends an operation, a value (owned; registered with this expression)
-  // or a function call slot (filled when the call's arguments are known).
+  // Parser interface: appends an operation or a value (owned). The parser registers the
+  // finished expression with its values (RegisterWithValues) once the parse has succeeded.
   void AppendOperation(Operation op) { mOperations.push_back(op); }
   void AppendValue(ValueBase* value);
   // Removes explicit units written inside the text: the whole expression is shown in `units`.
   void SetExplicitUnitsAndClearUnitsFromText(Units::FullUnitType units);
   void RegisterWithValues();
   void UnregisterFromValues();
+  // A result without units of its own is a number in the explicit units.
+  bool ResultTakesExplicitUnits() const;
   // Rebuilds the text from the stream (Value::GenerateExpressionText); keeps the old text when
   // nothing can be generated.
   void RegenerateText();
@@ -143,4 +145,5 @@ class WYCORE_API Expression : public ValueBase {
   std::vector<FunctionCall> mFunctionCalls;
   ValueState mResultState;
   ReceiverManager mOwners;
+  bool mRegistered = false;  // registered as a receiver with the values of the list
 };

@@ -47,6 +47,7 @@ class ValueManager;
 class Function;
 class IVariableServer;
 class IValueParser;
+class Expression;
 
 class WYCORE_API Value {
  public:
@@ -211,6 +212,12 @@ class WYCORE_API Value {
                                                                  Units::FullUnitType units);
   // Whether CreateValueBase would yield a value for `text` (nothing is reported).
   static bool IsValidText(const AString& text);
+  // The canonical text of a parsed expression, rebuilt from its operation stream by the value
+  // text generator with the strategy of the current value format context (the default strategy
+  // when none is set): operators spelled as the parser spells them, only the parentheses the
+  // operator ranks need, numbers in "%-.15g" with their units' names. Empty when the stream is
+  // malformed (a check has fired then); the expression's text is left to the caller.
+  static AString GenerateExpressionText(const Expression& expression);
 
   // The function table. RegisterFunction takes ownership; a name may be registered several
   // times (argument kinds or counts differ). GetFunction picks the overload for the argument
@@ -225,6 +232,9 @@ class WYCORE_API Value {
   static int GetFunctionID(const AString& name);
   static AString GetFunctionName(int functionID);
   static void GetConversionFunctionNames(std::vector<AString>& out);
+  // Replaces each function of `functions` that the value manager's ValueChanger replaces
+  // (following chains); true when anything was replaced. Used by the expression parser.
+  static bool ApplyFunctionModifications(std::vector<const Function*>& functions);
 
   // Intrinsic and predefined variables (owned by the value manager).
   static Variable* AddCustomIntrinsicVariable(const AString& name, Units::UnitType unitType,

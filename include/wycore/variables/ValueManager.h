@@ -21,8 +21,10 @@
 //
 // Text to value (CreateValueBase), in this order: the current name space's first-chance parser;
 // a string literal ("\"...\"", StringValue::Parse); a real or complex number with optional units
-// (Units::TextToComplex; complex only while complex values are enabled); the installed value
-// parser. Anything else yields null until the expression parser is wired in (docs/variables.md).
+// (Units::TextToComplex; complex only while complex values are enabled); the expression parser
+// (ExpressionParser, which reports its errors); and, when the expression does not parse, the
+// installed value parser (the expression parser then tries first without reporting, so that only
+// a text nobody knows is reported).
 //
 // Threading: one manager per process, built at start-up; the current name space and the switches
 // are process-wide and unlocked.
@@ -53,6 +55,7 @@ class IDatasetServer;
 class IValueParser;
 class Function;
 class FunctionTable;
+class ExpressionParser;
 
 class WYCORE_API ValueManager {
  public:
@@ -191,6 +194,9 @@ class WYCORE_API ValueManager {
   };
   using VariableMap = std::map<AString, std::unique_ptr<Variable>, NameLess>;
 
+  // Parses `text` as an expression; null when it does not parse (reported as the parser is set).
+  ValueBase* ParseExpression(ExpressionParser& parser, const AString& text,
+                             Units::FullUnitType units) const;
   void InitializeConstants();
   void InitializeValueManager(bool fIsIntrinsic);
   Variable* Adopt(VariableMap& map, std::unique_ptr<Variable> variable);
