@@ -8,6 +8,8 @@
 // "skip to the next line" a sound resynchronisation after a bad item.
 #include "wycore/io/Block.h"
 
+#include "LocalCalls.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
@@ -268,7 +270,15 @@ struct CBlockTree {
   // so that no destructor finds nested items of its own to release.
   static void Release(std::vector<CBlockPtr>& items) noexcept {
     if (items.empty()) return;
-    std::vector<CBlockPtr> pending = std::move(items);
+    std::vector<CBlockPtr> pending;
+    auto defer = [&pending](CBlockPtr& item) {
+      if (!item->IsBlock() && !item->IsFunc()) return;  // other items go at once
+      try {
+        pending.push_back(std::move(item));
+      } catch (...) {  // no memory for the list: this subtree goes by recursion instead
+      }
+    };
+    for (CBlockPtr& item : items) defer(item);
     items.clear();
     while (!pending.empty()) {
       CBlockPtr item = std::move(pending.back());
@@ -281,7 +291,7 @@ struct CBlockTree {
         children = &static_cast<CBlock_func&>(*item).mArgs;
       }
       if (children != nullptr) {
-        for (CBlockPtr& child : *children) pending.push_back(std::move(child));
+        for (CBlockPtr& child : *children) defer(child);
         children->clear();
       }
     }  // `item` is deleted here, with nothing left inside

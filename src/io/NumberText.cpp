@@ -16,6 +16,8 @@
 // notation unless scientific notation is shorter, with at least two exponent digits.
 #include "NumberText.h"
 
+#include "LocalCalls.h"
+
 #include <bit>
 #include <charconv>
 #include <cmath>

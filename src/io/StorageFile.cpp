@@ -3,6 +3,8 @@
 // StorageFile.cpp - io::CStorageFile: POSIX file access around the text streams.
 #include "wycore/io/StorageFile.h"
 
+#include "LocalCalls.h"
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>

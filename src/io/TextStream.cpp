@@ -10,6 +10,8 @@
 // word turns out not to be there.
 #include "wycore/io/TextStream.h"
 
+#include "LocalCalls.h"
+
 #include <charconv>
 #include <cmath>
 #include <cstring>
@@ -377,7 +379,9 @@ void CToken_textstreambuf::Advance() {
   }
 }
 
-bool CToken_textstreambuf::SkipWhiteSpace() {
+bool CToken_textstreambuf::SkipWhiteSpace() { return SkipWhiteSpaceImpl(); }
+
+bool CToken_textstreambuf::SkipWhiteSpaceImpl() {
   if (mSource && mState.position >= mLineEnd) EnsureLine();
   const std::size_t start = mState.position;
   for (;;) {
@@ -408,7 +412,9 @@ CToken CToken_textstreambuf::GetToken() {
   return token;
 }
 
-void CToken_textstreambuf::GetToken(CToken& out) {
+void CToken_textstreambuf::GetToken(CToken& out) { GetTokenImpl(out); }
+
+void CToken_textstreambuf::GetTokenImpl(CToken& out) {
   if (mSource) {
     mKeepFrom = mTokenStart;  // a reader may still go back to the previous token's end
     mTokenStart = mState.position;
@@ -443,8 +449,12 @@ void CToken_textstreambuf::AssignText(CToken& out, CToken::TTokenType kind,
   // is handed out a bounded number of times (each use usually ends as one share in the tree,
   // and the reader holds a few more while it works) before a fresh one takes its place.
   constexpr std::uint8_t kMaxUses = 200;
-  std::uint32_t hash = 2166136261u;
-  for (AChar c : text) hash = (hash ^ c) * 16777619u;
+  // The hash takes the length and the characters at both ends, in constant time.
+  std::uint64_t ends = 0;
+  std::memcpy(&ends, text.data(), 8);
+  std::uint64_t tail = 0;
+  std::memcpy(&tail, text.data() + n - 4, 8);
+  const std::uint64_t hash = ((ends * 0x9e3779b97f4a7c15ull) ^ (tail * 0xc2b2ae3d27d4eb4full) ^ n) >> 32;
   const std::size_t first = (hash % (kTextCacheSize / 2)) * 2;
   CToken* const set = &mTextCache[first];
   std::uint8_t* const uses = &mTextCacheUses[first];
@@ -929,23 +939,23 @@ void CToken_textstreambuf::EmitSlow(AChar c) {
 }
 
 void CToken_textstreambuf::EmitText(std::u16string_view text) {
-  // Runs of ASCII go to the UTF-8 output in one piece; the rest character by character.
+  if (!mUtf8) {
+    mWide.append(text);
+    return;
+  }
+  // Runs of ASCII go to the output through a small buffer, a piece at a time; the rest character
+  // by character.
   const std::size_t n = text.size();
   std::size_t i = 0;
   while (i < n) {
-    if (mUtf8 && mPendingHigh == 0) {
-      std::size_t j = i;
-      while (j < n && text[j] < 0x80) ++j;
-      if (j - i <= 16) {
-        for (std::size_t k = i; k < j; ++k) mBytes.push_back(static_cast<char>(text[k]));
-      } else {
-        const std::size_t old = mBytes.size();
-        mBytes.resize(old + (j - i));
-        char* out = mBytes.data() + old;
-        for (std::size_t k = i; k < j; ++k) *out++ = static_cast<char>(text[k]);
+    if (mPendingHigh == 0) {
+      char piece[64];
+      std::size_t k = 0;
+      while (i < n && k < sizeof piece && text[i] < 0x80) piece[k++] = static_cast<char>(text[i++]);
+      if (k > 0) {
+        mBytes.append(piece, k);
+        continue;
       }
-      i = j;
-      if (i == n) break;
     }
     Emit(text[i++]);
   }
@@ -959,17 +969,23 @@ void CToken_textstreambuf::EmitAscii(const char* text, std::size_t length) {
   for (std::size_t i = 0; i < length; ++i) Emit(static_cast<AChar>(text[i]));
 }
 
-bool CToken_textstreambuf::PadToken(CToken::TTokenType previous, AChar last,
-                                    CToken::TTokenType next, AChar first) const {
-  (void)next;
+namespace {
+
+// PadToken's rule, inlinable into the printer (IsKeywordChar is the class range kAlpha ..
+// kUnderscore).
+static_assert(CBase_grammar::kUnderscore - CBase_grammar::kAlpha == 7,
+              "the keyword classes are kAlpha, kExp, kHexLetter, kX, kZero, kDigit, kDollar and "
+              "kUnderscore, in one range");
+bool NeedsSeparator(const CToken_grammar& grammar, CToken::TTokenType previous, AChar last,
+                    AChar first) noexcept {
   if (previous == CToken::Null || previous == CToken::Eol || previous == CToken::WhiteSpace) {
     return false;
   }
   using B = CBase_grammar;
-  const B::TCharClass l = mGrammar.ClassOf(last);
-  const B::TCharClass f = mGrammar.ClassOf(first);
-  const bool wordLast = mGrammar.IsKeywordChar(last);
-  const bool wordFirst = mGrammar.IsKeywordChar(first);
+  const B::TCharClass l = grammar.ClassOf(last);
+  const B::TCharClass f = grammar.ClassOf(first);
+  const bool wordLast = l >= B::kAlpha && l <= B::kUnderscore;
+  const bool wordFirst = f >= B::kAlpha && f <= B::kUnderscore;
   const bool digitFirst = f == B::kZero || f == B::kDigit;
   // Keywords, numbers and booleans run together ("a" "1" -> "a1"; "1" ".5" -> "1.5").
   if (wordLast && (wordFirst || f == B::kDot)) return true;
@@ -984,6 +1000,13 @@ bool CToken_textstreambuf::PadToken(CToken::TTokenType previous, AChar last,
   return false;
 }
 
+}  // namespace
+
+bool CToken_textstreambuf::PadToken(CToken::TTokenType previous, AChar last,
+                                    CToken::TTokenType /*next*/, AChar first) const {
+  return NeedsSeparator(mGrammar, previous, last, first);
+}
+
 void CToken_textstreambuf::BeginToken(CToken::TTokenType kind, AChar first) {
   if (mNeedNewLine) NewLine();
   if (mAtLineStart) {
@@ -992,7 +1015,8 @@ void CToken_textstreambuf::BeginToken(CToken::TTokenType kind, AChar first) {
     mLastKind = CToken::Eol;
     return;
   }
-  if (PadToken(mLastKind, mLastChar, kind, first)) Emit(u' ');
+  (void)kind;
+  if (NeedsSeparator(mGrammar, mLastKind, mLastChar, first)) Emit(u' ');
 }
 
 void CToken_textstreambuf::EndToken(CToken::TTokenType kind, AChar last) {
@@ -1321,8 +1345,8 @@ void CToken_istream::SetInputSource(std::function<bool(AString&)> source) {
 
 void CToken_istream::NextToken() {
   for (;;) {
-    mBuf.SkipWhiteSpace();
-    mBuf.GetToken(mCurrent);
+    mBuf.SkipWhiteSpaceImpl();
+    mBuf.GetTokenImpl(mCurrent);
     if (mCurrent.Type() != CToken::WhiteSpace && !mCurrent.IsComment()) break;
   }
   mLine = mBuf.TokenLine();

@@ -8,6 +8,8 @@
 // characters.
 #include "wycore/io/Token.h"
 
+#include "LocalCalls.h"
+
 #include <algorithm>
 #include <bit>
 #include <charconv>

@@ -4,6 +4,8 @@
 // failure state, and the nesting bound.
 #include "wycore/io/TokenStream.h"
 
+#include "LocalCalls.h"
+
 #include "wycore/io/StreamError.h"
 #include "wycore/io/Token.h"
 

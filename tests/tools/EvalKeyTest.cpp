@@ -22,7 +22,12 @@ KeyRun Eval(const std::string& args) {
       std::filesystem::path(WYCORE_BINARY_DIR) / "tools" / "wycore" / "wycore";
   KeyRun run;
   if (!std::filesystem::exists(tool)) return run;
-  const std::string command = "'" + tool.string() + "' eval " + args + " 2>&1";
+  // Appended piece by piece: GCC 12 warns falsely (-Wrestrict) on a chain of operator+ here.
+  std::string command = "'";
+  command += tool.string();
+  command += "' eval ";
+  command += args;
+  command += " 2>&1";
   FILE* pipe = ::popen(command.c_str(), "r");
   if (pipe == nullptr) return run;
   char buf[4096];

@@ -314,13 +314,18 @@ class WYCORE_API CToken_textstreambuf {
   void ClearOutput();
 
  private:
-  AChar Peek(std::size_t ahead = 0);
-  void Advance();
+  // The helpers below are internal to the library (not exported), so that calls among them bind
+  // directly and can be inlined; CToken_istream reads through the same fast path.
+  friend class CToken_istream;
+  WYCORE_NO_EXPORT bool SkipWhiteSpaceImpl();
+  WYCORE_NO_EXPORT void GetTokenImpl(CToken& out);
+  WYCORE_NO_EXPORT AChar Peek(std::size_t ahead = 0);
+  WYCORE_NO_EXPORT void Advance();
   // Source-fed input: more text (false at the end), a held character at the position, and the
   // whole current line held.
-  bool MoreInput();
-  bool HaveInput();
-  void EnsureLine();
+  WYCORE_NO_EXPORT bool MoreInput();
+  WYCORE_NO_EXPORT bool HaveInput();
+  WYCORE_NO_EXPORT void EnsureLine();
   // Moves over `count` characters that hold no line end.
   void Consume(std::size_t count) noexcept {
     mState.position += count;
@@ -331,19 +336,19 @@ class WYCORE_API CToken_textstreambuf {
     return (cls >= CBase_grammar::kAlpha && cls <= CBase_grammar::kUnderscore);
   }
   // Stores a text token, sharing the buffer of an earlier token with the same kind and text.
-  void AssignText(CToken& out, CToken::TTokenType kind, std::u16string_view text);
-  bool LexCommonToken(bool special, CToken& out);
-  bool LexPlainNumber(std::size_t begin, CToken& out);
-  bool LexEscapedText(CBase_grammar::TCharClass quote, std::size_t begin, std::size_t escape,
+  WYCORE_NO_EXPORT void AssignText(CToken& out, CToken::TTokenType kind, std::u16string_view text);
+  WYCORE_NO_EXPORT bool LexCommonToken(bool special, CToken& out);
+  WYCORE_NO_EXPORT bool LexPlainNumber(std::size_t begin, CToken& out);
+  WYCORE_NO_EXPORT bool LexEscapedText(CBase_grammar::TCharClass quote, std::size_t begin, std::size_t escape,
                       CToken& out);
-  CToken LexToken(bool special);
-  CToken FinishToken(CToken_grammar::TState state, std::u16string_view text);
-  CToken MakeNumber(CToken::TTokenType kind, CToken_grammar::TState state,
+  WYCORE_NO_EXPORT CToken LexToken(bool special);
+  WYCORE_NO_EXPORT CToken FinishToken(CToken_grammar::TState state, std::u16string_view text);
+  WYCORE_NO_EXPORT CToken MakeNumber(CToken::TTokenType kind, CToken_grammar::TState state,
                     std::u16string_view text);
-  bool MatchSpecialFloat(CToken& out);
-  bool MatchCDataEnd();
-  void RecoverFromFalseEndOfTextBlock(const StreamState& dollar);
-  void RecoverFromFalseSpecialFloatKeyword(const StreamState& start);
+  WYCORE_NO_EXPORT bool MatchSpecialFloat(CToken& out);
+  WYCORE_NO_EXPORT bool MatchCDataEnd();
+  WYCORE_NO_EXPORT void RecoverFromFalseEndOfTextBlock(const StreamState& dollar);
+  WYCORE_NO_EXPORT void RecoverFromFalseSpecialFloatKeyword(const StreamState& start);
 
   void Emit(AChar c) {
     if (mUtf8 && c < 0x80 && mPendingHigh == 0) {
@@ -352,12 +357,12 @@ class WYCORE_API CToken_textstreambuf {
       EmitSlow(c);
     }
   }
-  void EmitSlow(AChar c);
-  void EmitText(std::u16string_view text);
-  void EmitAscii(const char* text, std::size_t length);
-  void BeginToken(CToken::TTokenType kind, AChar first);
-  void EndToken(CToken::TTokenType kind, AChar last);
-  void PutNumberText(const char* text, std::size_t length);
+  WYCORE_NO_EXPORT void EmitSlow(AChar c);
+  WYCORE_NO_EXPORT void EmitText(std::u16string_view text);
+  WYCORE_NO_EXPORT void EmitAscii(const char* text, std::size_t length);
+  WYCORE_NO_EXPORT void BeginToken(CToken::TTokenType kind, AChar first);
+  WYCORE_NO_EXPORT void EndToken(CToken::TTokenType kind, AChar last);
+  WYCORE_NO_EXPORT void PutNumberText(const char* text, std::size_t length);
 
   CToken_grammar mGrammar;
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// ExpressionFuzzer.cpp - fuzz target for the expression parser and the text it regenerates.
+// ExpressionParseFuzzer.cpp - fuzz target for the expression parser and the text it regenerates.
 //
 // The input is UTF-8 expression text, parsed in a name space with a few variables (reals with
 // and without units, a complex number, a real array, a string array). Beyond surviving any
@@ -41,7 +41,7 @@ int gPosted = 0;
 int gLastPostedCode = 0;
 
 [[noreturn]] void Fail(const char* what, const AString& text) {
-  std::fprintf(stderr, "ExpressionFuzzer: %s\n%s\n", what, text.Serialize(i18n::kUtf8).c_str());
+  std::fprintf(stderr, "ExpressionParseFuzzer: %s\n%s\n", what, text.Serialize(i18n::kUtf8).c_str());
   std::abort();
 }
 
@@ -54,7 +54,7 @@ Units::FullUnitType Fut(const char16_t* name) {
 struct World {
   World() {
     wycore::SetCheckHandler([](const wycore::CheckReport& report) {
-      std::fprintf(stderr, "ExpressionFuzzer: check fired at %s:%d: %s\n", report.file.c_str(),
+      std::fprintf(stderr, "ExpressionParseFuzzer: check fired at %s:%d: %s\n", report.file.c_str(),
                    report.line, report.text.c_str());
       std::abort();
     });
