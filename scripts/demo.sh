@@ -46,5 +46,9 @@ echo '== wycore eval "2*w + 1in" --var w=3mm (value with units, then the canonic
 "$tool" eval "2*w + 1in" --var w=3mm || { echo "demo: eval failed" >&2; exit 1; }
 
 echo
+echo "== wycore eval \"w/h\" --key \"w='3mm' h='2mm'\" (at a variation key)"
+"$tool" eval "w/h" --key "w='3mm' h='2mm'" || { echo "demo: eval --key failed" >&2; exit 1; }
+
+echo
 echo "demo: done (the broken project's errors above are the expected result)"
 exit 0
