@@ -29,23 +29,6 @@ const Verb& CheckVerb() {
   return verb;
 }
 
-bool ParseEncoding(const std::string& name, i18n::TEncoding& encoding) {
-  if (name == "utf-8" || name == "utf8") {
-    encoding = i18n::kUtf8;
-  } else if (name == "system") {
-    encoding = i18n::kSystemEncoding;
-  } else if (name == "oem") {
-    encoding = i18n::kOem;
-  } else if (name == "cp1252") {
-    encoding = i18n::kCp1252;
-  } else if (name == "cp932") {
-    encoding = i18n::kCp932;
-  } else {
-    return false;
-  }
-  return true;
-}
-
 void Count(const io::CBlock& block, long& blocks, long& items) {
   for (const io::CBlockPtr& item : block) {
     ++items;

@@ -33,23 +33,6 @@ const Verb& FmtVerb() {
   return verb;
 }
 
-bool ParseEncoding(const std::string& name, i18n::TEncoding& encoding) {
-  if (name == "utf-8" || name == "utf8") {
-    encoding = i18n::kUtf8;
-  } else if (name == "system") {
-    encoding = i18n::kSystemEncoding;
-  } else if (name == "oem") {
-    encoding = i18n::kOem;
-  } else if (name == "cp1252") {
-    encoding = i18n::kCp1252;
-  } else if (name == "cp932") {
-    encoding = i18n::kCp932;
-  } else {
-    return false;
-  }
-  return true;
-}
-
 }  // namespace
 
 int RunFmt(const Args& args) {

@@ -11,6 +11,8 @@
 #include <string>
 #include <vector>
 
+#include "wycore/io/AString.h"
+
 namespace wycore::tool {
 
 using Args = std::vector<std::string>;
@@ -27,6 +29,10 @@ const std::vector<Verb>& AllVerbs();
 
 // True when args hold --help or -h; verbs call this first.
 bool WantsHelp(const Args& args);
+
+// Reads the name of a file encoding as the verbs' --encoding option takes it: utf-8 (or utf8),
+// system, oem, cp1252, cp932. False for any other name.
+bool ParseEncoding(const std::string& name, i18n::TEncoding& encoding);
 
 // Prints "wycore VERB: message" and the verb's usage line to standard error; returns 2.
 int UsageError(const Verb& verb, const std::string& message);
