@@ -9,6 +9,8 @@
 
 #include "wycore/core/Check.h"
 #include "wycore/units/UnitDefinition.h"
+#include "wycore/units/UnitManager.h"
+#include "wycore/units/Units.h"
 #include "wycore/value/Expression.h"
 #include "wycore/value/Value.h"
 #include "wycore/value/VariableReferenceValue.h"
@@ -68,9 +70,33 @@ AString ValueTextGeneratorStrategy::FormatReal(double si, Units::FullUnitType un
   return out;
 }
 
+namespace {
+
+// A unit converted by a function with an offset (the temperatures) cannot carry a complex
+// number through text: the parser converts both parts, so "2j cel" gains a real part of 273.15 K
+// and its text would grow on every regeneration. Such a number is written in the unit of its type
+// whose conversion is the identity (for temperatures "kel"), which reads back exactly.
+Units::FullUnitType UnitForComplexText(Units::FullUnitType units) {
+  const UnitDefinition* def = Units::FindUnitDef(units);
+  if (def == nullptr || def->HasSimpleFactorConversion()) return units;
+  const UnitManager* manager = Units::GetUnitManager();
+  if (manager == nullptr) return Units::NoUnits;
+  for (Units::FullUnitType candidate : manager->GetFUTList(def->GetUnitType())) {
+    const UnitDefinition* other = Units::FindUnitDef(candidate);
+    if (other != nullptr && other->ConvertToSI(0.0) == 0.0 && other->ConvertToSI(1.0) == 1.0 &&
+        other->ConvertToSI(2.0) == 2.0) {
+      return candidate;
+    }
+  }
+  return Units::NoUnits;
+}
+
+}  // namespace
+
 AString ValueTextGeneratorStrategy::FormatComplex(const AComplex<double>& si,
                                                   Units::FullUnitType units) {
   if (!Units::IsInitialized()) return AString();
+  units = UnitForComplexText(units);
   const AString unitName = UnitName(units);
   const double imaginary = si.imag();
   const bool negative = !std::isnan(imaginary) && std::signbit(imaginary);
@@ -580,6 +606,12 @@ bool ValueTextGenerator::GenerateText(const std::vector<Operation>& operations,
   }
   mTopOperation = mStack.back().mOp;
   out = std::move(mStack.back().mText);
+  // A complex constant with a real part is written as "(re + imj)" so that it stays one operand
+  // inside a larger expression; standing alone it needs no parentheses, and keeping them would
+  // make the text change when it is read back (as a sum) and written again.
+  if (mTopOperation == kComplexOp && out.size() > 2 && out.front() == u'(' && out.back() == u')') {
+    out = out.substr(1, out.size() - 2);
+  }
   mStack.clear();
   return true;
 }
