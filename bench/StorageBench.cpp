@@ -168,7 +168,8 @@ void BM_ReadStorageFile(benchmark::State& state) {
   std::remove(name);
   state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * text.size()));
   state.counters["MB"] = static_cast<double>(text.size()) / (1 << 20);
-  state.counters["peak_x_file"] = static_cast<double>(growth) * 1024 / static_cast<double>(text.size());
+  state.counters["peak_x_file"] =
+      static_cast<double>(growth) * 1024 / static_cast<double>(text.size());
 }
 BENCHMARK(BM_ReadStorageFile)->Unit(benchmark::kMillisecond)->MinTime(2.0);
 

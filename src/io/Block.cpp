@@ -8,13 +8,12 @@
 // "skip to the next line" a sound resynchronisation after a bad item.
 #include "wycore/io/Block.h"
 
-#include "LocalCalls.h"
-
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <typeinfo>
 
+#include "LocalCalls.h"
 #include "wycore/core/Check.h"
 #include "wycore/core/Utf.h"
 #include "wycore/io/TextStream.h"
@@ -35,7 +34,6 @@ AString Num(long long n) { return AString(wycore::Utf8ToUtf16(std::to_string(n))
 AChar SymbolOf(const CToken& token) {
   return token.IsSymbol() && token.ACharLen() == 1 ? token.ACharPtr()[0] : 0;
 }
-
 bool SameToken(const CToken& a, const CToken& b) {
   if (a.Type() != b.Type()) return false;
   if (a.IsNumber() && std::isnan(a.Value()) && std::isnan(b.Value())) return true;
@@ -138,102 +136,6 @@ void RaiseUnterminated(const CAbstract_istream& stream) {
   }
 }
 
-// One function argument: a value, or a named value, vector or function by the symbol after it.
-CBlockPtr ReadArgument(CAbstract_istream& stream, const CToken& funcName) {
-  const CToken first = stream.Token();
-  if (!CanStandAsValue(first)) {
-    stream.Raise(E::kBadFunction,
-                 u"an argument of " + Quoted(funcName) + u" is missing: found " + Describe(first));
-  }
-  RaiseUnterminated(stream);
-  stream.NextToken();
-  const AChar symbol = SymbolOf(stream.Token());
-  if (symbol != u'=' && symbol != u'[' && symbol != u'(') {
-    return CBlockPtr(new CBlock_value(first));
-  }
-  if (!CanStandAsName(first)) {
-    stream.Raise(E::kNotAName,
-                 Describe(first) + u" cannot name an argument of " + Quoted(funcName));
-  }
-  if (symbol == u'=') {
-    CBlock_ptr<CBlock_named_value> value(new CBlock_named_value);
-    value->SetNameToken(first);
-    value->ReadRest(stream);
-    return value;
-  }
-  if (symbol == u'[') {
-    CBlockVecPtr vec(new CBlock_vec);
-    vec->SetNameToken(first);
-    vec->ReadRest(stream);
-    return vec;
-  }
-  CBlockFuncPtr func(new CBlock_func);
-  func->SetNameToken(first);
-  func->ReadRest(stream);
-  return func;
-}
-
-// Collects the items of one block, or the arguments of one function, while they are read: the
-// first ones on the stack, so that the list is allocated once and at its final size instead of
-// growing item by item. Whatever was collected goes to the list also when reading throws.
-template <std::size_t kInline>
-class ItemCollector {
- public:
-  explicit ItemCollector(std::vector<CBlockPtr>& target) : mTarget(target) {}
-  ~ItemCollector() {
-    try {
-      Flush();
-    } catch (...) {  // no memory for the list: the items go with the collector
-    }
-  }
-  ItemCollector(const ItemCollector&) = delete;
-  ItemCollector& operator=(const ItemCollector&) = delete;
-
-  void Add(CBlockPtr item) {
-    if (mCount < kInline) {
-      mInline[mCount++] = std::move(item);
-    } else {
-      mSpill.push_back(std::move(item));
-    }
-  }
-  void Flush() {
-    if (mCount == 0) return;
-    mTarget.reserve(mTarget.size() + mCount + mSpill.size());
-    for (std::size_t i = 0; i < mCount; ++i) mTarget.push_back(std::move(mInline[i]));
-    for (CBlockPtr& item : mSpill) mTarget.push_back(std::move(item));
-    mCount = 0;
-    mSpill.clear();
-  }
-
- private:
-  std::vector<CBlockPtr>& mTarget;
-  CBlockPtr mInline[kInline];
-  std::size_t mCount = 0;
-  std::vector<CBlockPtr> mSpill;
-};
-
-// Reads a whole item of type T from `text` into `target`.
-template <class T>
-bool UnpackItem(const AString& text, T& target) {
-  CToken_istream stream(text);
-  stream.SkipEols();
-  try {
-    CBlockPtr item;
-    item.read(stream);
-    stream.SkipEols();
-    const CBlock_item& read = *item;
-    if (!stream.Token().IsEof() || typeid(read) != typeid(T)) return false;
-    const T& typed = static_cast<const T&>(read);
-    if constexpr (std::is_same_v<T, CBlock>) {
-      if (!typed.CollectErrors().empty()) return false;
-    }
-    target = typed;
-    return true;
-  } catch (const XStreamioError&) {
-    return false;
-  }
-}
-
 }  // namespace
 
 // ---------------------------------------------------------------------------------------------
@@ -246,6 +148,9 @@ bool UnpackItem(const AString& text, T& target) {
 // derived by users, which may override these operations) to its own virtual function.
 
 struct CBlockTree {
+  // Gives a new item of the reader its name token (a move: no share of the text changes hands).
+  static void TakeName(CBlock_item& item, CToken&& name) noexcept { item.mName = std::move(name); }
+
   // The name of a block or function (the token itself, as the item's own functions use it).
   static const CToken& NameOf(const CBlock_item& item) {
     if (item.IsBlock()) return static_cast<const CBlock&>(item).mName;
@@ -271,8 +176,10 @@ struct CBlockTree {
   static void Release(std::vector<CBlockPtr>& items) noexcept {
     if (items.empty()) return;
     std::vector<CBlockPtr> pending;
+    // Every item goes through the list, leaves too: freeing each item right after looking at it
+    // keeps the walk in the cache (and suits the allocator better than freeing the leaves of a
+    // list first and its blocks later).
     auto defer = [&pending](CBlockPtr& item) {
-      if (!item->IsBlock() && !item->IsFunc()) return;  // other items go at once
       try {
         pending.push_back(std::move(item));
       } catch (...) {  // no memory for the list: this subtree goes by recursion instead
@@ -314,21 +221,22 @@ struct CBlockTree {
       pending.pop_back();
       job.to->reserve(job.from->size());
       for (const CBlockPtr& child : *job.from) {
-        if (typeid(*child) == typeid(CBlock)) {
-          const auto& block = static_cast<const CBlock&>(*child);
-          auto* copy = new CBlock;
+        const CBlock_item& item = *child;
+        if (typeid(item) == typeid(CBlock)) {
+          const auto& block = static_cast<const CBlock&>(item);
+          CBlock_ptr<CBlock> copy(new CBlock);
           copy->mName = block.mName;
           copy->mErrors = block.mErrors;
-          job.to->emplace_back(copy);
+          job.to->push_back(CBlockPtr(copy));
           pending.push_back({&block.mItems, &copy->mItems});
-        } else if (typeid(*child) == typeid(CBlock_func)) {
-          const auto& func = static_cast<const CBlock_func&>(*child);
-          auto* copy = new CBlock_func;
+        } else if (typeid(item) == typeid(CBlock_func)) {
+          const auto& func = static_cast<const CBlock_func&>(item);
+          CBlockFuncPtr copy(new CBlock_func);
           copy->mName = func.mName;
-          job.to->emplace_back(copy);
+          job.to->push_back(CBlockPtr(copy));
           pending.push_back({&func.mArgs, &copy->mArgs});
         } else {
-          job.to->emplace_back(child->Clone());
+          job.to->push_back(CBlockPtr(item.Clone()));
         }
       }
     }
@@ -500,14 +408,114 @@ struct CBlockTree {
   }
 };
 
+namespace {
+
+// One function argument: a value, or a named value, vector or function by the symbol after it.
+CBlockPtr ReadArgument(CAbstract_istream& stream, const CToken& funcName) {
+  CToken first = stream.Token();
+  if (!CanStandAsValue(first)) {
+    stream.Raise(E::kBadFunction,
+                 u"an argument of " + Quoted(funcName) + u" is missing: found " + Describe(first));
+  }
+  RaiseUnterminated(stream);
+  stream.NextToken();
+  const AChar symbol = SymbolOf(stream.Token());
+  if (symbol != u'=' && symbol != u'[' && symbol != u'(') {
+    return CBlockPtr(new CBlock_value(std::move(first)));
+  }
+  if (!CanStandAsName(first)) {
+    stream.Raise(E::kNotAName,
+                 Describe(first) + u" cannot name an argument of " + Quoted(funcName));
+  }
+  if (symbol == u'=') {
+    CBlock_ptr<CBlock_named_value> value(new CBlock_named_value);
+    CBlockTree::TakeName(*value, std::move(first));
+    value->ReadRest(stream);
+    return value;
+  }
+  if (symbol == u'[') {
+    CBlockVecPtr vec(new CBlock_vec);
+    CBlockTree::TakeName(*vec, std::move(first));
+    vec->ReadRest(stream);
+    return vec;
+  }
+  CBlockFuncPtr func(new CBlock_func);
+  CBlockTree::TakeName(*func, std::move(first));
+  func->ReadRest(stream);
+  return func;
+}
+
+// Collects the items of one block, or the arguments of one function, while they are read: the
+// first ones on the stack, so that the list is allocated once and at its final size instead of
+// growing item by item. Whatever was collected goes to the list also when reading throws.
+template <std::size_t kInline>
+class ItemCollector {
+ public:
+  explicit ItemCollector(std::vector<CBlockPtr>& target) : mTarget(target) {}
+  ~ItemCollector() {
+    try {
+      Flush();
+    } catch (...) {  // no memory for the list: the items go with the collector
+    }
+  }
+  ItemCollector(const ItemCollector&) = delete;
+  ItemCollector& operator=(const ItemCollector&) = delete;
+
+  void Add(CBlockPtr item) {
+    if (mCount < kInline) {
+      mInline[mCount++] = std::move(item);
+    } else {
+      mSpill.push_back(std::move(item));
+    }
+  }
+  void Flush() {
+    if (mCount == 0) return;
+    mTarget.reserve(mTarget.size() + mCount + mSpill.size());
+    for (std::size_t i = 0; i < mCount; ++i) mTarget.push_back(std::move(mInline[i]));
+    for (CBlockPtr& item : mSpill) mTarget.push_back(std::move(item));
+    mCount = 0;
+    mSpill.clear();
+  }
+
+ private:
+  std::vector<CBlockPtr>& mTarget;
+  CBlockPtr mInline[kInline];
+  std::size_t mCount = 0;
+  std::vector<CBlockPtr> mSpill;
+};
+
+// Reads a whole item of type T from `text` into `target`.
+template <class T>
+bool UnpackItem(const AString& text, T& target) {
+  CToken_istream stream(text);
+  stream.SkipEols();
+  try {
+    CBlockPtr item;
+    item.read(stream);
+    stream.SkipEols();
+    const CBlock_item& read = *item;
+    if (!stream.Token().IsEof() || typeid(read) != typeid(T)) return false;
+    const T& typed = static_cast<const T&>(read);
+    if constexpr (std::is_same_v<T, CBlock>) {
+      if (!typed.CollectErrors().empty()) return false;
+    }
+    target = typed;
+    return true;
+  } catch (const XStreamioError&) {
+    return false;
+  }
+}
+
+}  // namespace
+
 // ---------------------------------------------------------------------------------------------
 // The item reader
 
 CBlockPtr ReadBlockItem(CAbstract_istream& stream) {
-  const CToken first = stream.Token();
-  if (!CanStandAsName(first)) {
-    if (first.IsText()) stream.Raise(E::kNotAName, AString(u"an empty text cannot name an item"));
-    stream.Raise(E::kNotAName, Describe(first) + u" cannot start an item");
+  const CToken& current = stream.Token();
+  if (!CanStandAsName(current)) {
+    if (current.IsText()) stream.Raise(E::kNotAName, AString(u"an empty text cannot name an item"));
+    stream.Raise(E::kNotAName, Describe(current) + u" cannot start an item");
   }
   if (stream.IsBeginBlock()) {
     NestingGuard guard(stream);
@@ -525,23 +533,24 @@ CBlockPtr ReadBlockItem(CAbstract_istream& stream) {
     return block;
   }
   RaiseUnterminated(stream);
+  CToken first = current;  // the name, kept over the move to the next token
   stream.NextToken();
   switch (SymbolOf(stream.Token())) {
     case u'=': {
       CBlock_ptr<CBlock_named_value> value(new CBlock_named_value);
-      value->SetNameToken(first);
+      CBlockTree::TakeName(*value, std::move(first));
       value->ReadRest(stream);
       return value;
     }
     case u'[': {
       CBlockVecPtr vec(new CBlock_vec);
-      vec->SetNameToken(first);
+      CBlockTree::TakeName(*vec, std::move(first));
       vec->ReadRest(stream);
       return vec;
     }
     case u'(': {
       CBlockFuncPtr func(new CBlock_func);
-      func->SetNameToken(first);
+      CBlockTree::TakeName(*func, std::move(first));
       func->ReadRest(stream);
       return func;
     }
@@ -612,7 +621,7 @@ WYCORE_BLOCK_QUERY_TYPES(WYCORE_DEFINE_QUERY)
 bool CBlock_value::Query(AChar* buffer) const { return mValue.Query(buffer); }
 
 void CBlock_value::read(CAbstract_istream& stream) {
-  const CToken value = stream.Token();
+  const CToken& value = stream.Token();
   if (!CanStandAsValue(value)) {
     stream.Raise(E::kBadValue, Describe(value) + u" cannot stand as a value");
   }
@@ -648,7 +657,7 @@ void CBlock_named_value::read(CAbstract_istream& stream) {
 
 void CBlock_named_value::ReadRest(CAbstract_istream& stream) {
   stream.NextToken();  // '='
-  const CToken value = stream.Token();
+  const CToken& value = stream.Token();
   if (!CanStandAsValue(value)) {
     stream.Raise(E::kBadValue,
                  u"the value of " + Quoted(mName) + u" is missing: found " + Describe(value));

@@ -16,12 +16,12 @@
 // notation unless scientific notation is shorter, with at least two exponent digits.
 #include "NumberText.h"
 
-#include "LocalCalls.h"
-
 #include <bit>
 #include <charconv>
 #include <cmath>
 #include <cstdint>
+
+#include "LocalCalls.h"
 
 namespace io::detail {
 

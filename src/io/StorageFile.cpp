@@ -3,8 +3,6 @@
 // StorageFile.cpp - io::CStorageFile: POSIX file access around the text streams.
 #include "wycore/io/StorageFile.h"
 
-#include "LocalCalls.h"
-
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -16,6 +14,7 @@
 #include <utility>
 #include <vector>
 
+#include "LocalCalls.h"
 #include "wycore/core/Utf.h"
 #include "wycore/io/TextStream.h"
 

@@ -3,14 +3,21 @@
 // TextStream.cpp - the grammar tables, the lexer and printer of the text form, and the text token
 // streams.
 //
-// The lexer is one loop over the transition table: a character whose transition is kStop ends
-// the token before it; otherwise it is consumed and the new state's action decides what becomes
-// of it. Two rules need more than one character of look-ahead (the end word of a text block and
-// the special float words); they consume optimistically and give the characters back when the
-// word turns out not to be there.
+// The lexer's rules are one loop over the transition table (LexToken): a character whose
+// transition is kStop ends the token before it; otherwise it is consumed and the new state's
+// action decides what becomes of it. Two rules need more than one character of look-ahead (the
+// end word of a text block and the special float words); they consume optimistically and give
+// the characters back when the word turns out not to be there.
+//
+// In front of that loop sit fast paths for the shapes files are made of (LexCommonToken: words,
+// quoted texts on one line, plain numbers, blanks, symbols). Each reads its run in one pass with
+// the same character classes, so that a grammar with other comment characters is followed just
+// the same, and hands back to the loop whatever it does not cover; the token comes out equal,
+// with the same line, column and unterminated flag.
+//
+// Input fed by a source (SetInputSource) is held from the previous token on; the fast paths read
+// within a line, and EnsureLine makes sure that the whole current line is held before a token.
 #include "wycore/io/TextStream.h"
-
-#include "LocalCalls.h"
 
 #include <charconv>
 #include <cmath>
@@ -18,9 +25,10 @@
 #include <system_error>
 #include <utility>
 
+#include "LocalCalls.h"
+#include "NumberText.h"
 #include "wycore/core/Check.h"
 #include "wycore/core/Utf.h"
-#include "NumberText.h"
 
 namespace io {
 
@@ -454,7 +462,8 @@ void CToken_textstreambuf::AssignText(CToken& out, CToken::TTokenType kind,
   std::memcpy(&ends, text.data(), 8);
   std::uint64_t tail = 0;
   std::memcpy(&tail, text.data() + n - 4, 8);
-  const std::uint64_t hash = ((ends * 0x9e3779b97f4a7c15ull) ^ (tail * 0xc2b2ae3d27d4eb4full) ^ n) >> 32;
+  const std::uint64_t hash =
+      ((ends * 0x9e3779b97f4a7c15ull) ^ (tail * 0xc2b2ae3d27d4eb4full) ^ n) >> 32;
   const std::size_t first = (hash % (kTextCacheSize / 2)) * 2;
   CToken* const set = &mTextCache[first];
   std::uint8_t* const uses = &mTextCacheUses[first];
@@ -559,8 +568,8 @@ bool CToken_textstreambuf::LexCommonToken(bool special, CToken& out) {
       const std::u16string_view text(data + begin, end - begin);
       const CToken::TTokenType kind = mGrammar.Kind(state);
       double value = 0.0;
-      if (kind == CToken::Int || (kind == CToken::Double && state != G::kExponent &&
-                                  state != G::kExponentSign)) {
+      if (kind == CToken::Int ||
+          (kind == CToken::Double && state != G::kExponent && state != G::kExponentSign)) {
         if (detail::ParsePlainDecimal(text, value)) {
           out.Assign(kind, text, value, mRetainNumberText);
           return true;
@@ -648,8 +657,15 @@ bool CToken_textstreambuf::LexPlainNumber(std::size_t begin, CToken& out) {
   if (exact && mantissa <= kExactLimit && fraction <= 22) {
     value = static_cast<double>(mantissa) / kPow10[fraction];
     if (negative) value = -value;
-  } else if (!detail::ParsePlainDecimal(text, value)) {
-    return false;
+  } else {
+    // Too many digits for one exact operation: std::from_chars on an ASCII copy rounds correctly
+    // too (a result beyond the double range, or a very long text, goes to the general path).
+    char ascii[64];
+    const std::size_t n = text.size();
+    if (n > sizeof ascii) return false;
+    for (std::size_t i = 0; i < n; ++i) ascii[i] = static_cast<char>(text[i]);
+    const auto result = std::from_chars(ascii, ascii + n, value);
+    if (result.ec != std::errc() || result.ptr != ascii + n) return false;
   }
   Consume(p - begin);
   out.Assign(point ? CToken::Double : CToken::Int, text, value, mRetainNumberText);
@@ -860,9 +876,9 @@ CToken CToken_textstreambuf::MakeNumber(CToken::TTokenType kind, G::TState state
   }
   double value = 0.0;
   // "1e" and "1e+": the mantissa's value; the dangling exponent is ignored.
-  const std::u16string_view number =
-      state == G::kExponent || state == G::kExponentSign ? text.substr(0, text.find_first_of(u"eE"))
-                                                         : text;
+  const std::u16string_view number = state == G::kExponent || state == G::kExponentSign
+                                         ? text.substr(0, text.find_first_of(u"eE"))
+                                         : text;
   if (!NumberValue(number, value)) {
     token.Assign(CToken::SingleQuotedText, text, 0.0);
     return token;
@@ -1345,7 +1361,13 @@ void CToken_istream::SetInputSource(std::function<bool(AString&)> source) {
 
 void CToken_istream::NextToken() {
   for (;;) {
-    mBuf.SkipWhiteSpaceImpl();
+    // Most tokens follow no white space, or one blank: that much is skipped here, the rest by
+    // the buffer.
+    const std::size_t at = mBuf.mState.position - mBuf.mBase;
+    if (at < mBuf.mInput.size()) {
+      const auto cls = mBuf.mGrammar.ClassOf(mBuf.mInput[at]);
+      if (cls == CBase_grammar::kSpace || cls == CBase_grammar::kComment) mBuf.SkipWhiteSpaceImpl();
+    }
     mBuf.GetTokenImpl(mCurrent);
     if (mCurrent.Type() != CToken::WhiteSpace && !mCurrent.IsComment()) break;
   }

@@ -8,12 +8,10 @@
 // characters.
 #include "wycore/io/Token.h"
 
-#include "LocalCalls.h"
-
 #include <algorithm>
 #include <bit>
-#include <charconv>
 #include <cfloat>
+#include <charconv>
 #include <cmath>
 #include <cstring>
 #include <iterator>
@@ -21,15 +19,15 @@
 #include <string>
 #include <string_view>
 
+#include "LocalCalls.h"
+#include "NumberText.h"
 #include "wycore/core/Check.h"
 #include "wycore/io/TokenStream.h"
-#include "NumberText.h"
 
 namespace io {
 
 namespace {
 
-constexpr unsigned kMaxShareCount = 255;
 constexpr double kTwoPow63 = 9223372036854775808.0;   // 2^63
 constexpr double kTwoPow64 = 18446744073709551616.0;  // 2^64
 constexpr double kFloatMax = 3.4028234663852886e38;   // the largest float, exactly
@@ -117,27 +115,7 @@ void CToken::Clear() noexcept {
   mData.mValue = 0.0;
 }
 
-std::size_t CToken::BufferLength() const noexcept {
-  if (IsString(mType)) return static_cast<std::size_t>(mData.mLength);
-  return std::char_traits<AChar>::length(mText);
-}
-
-AChar* CToken::AcquireShare() const {
-  const std::size_t length = BufferLength();
-  unsigned char& count = ShareCount(mText, length);
-  if (count < kMaxShareCount) {
-    ++count;
-    return mText;
-  }
-  return NewBuffer(mText, length);
-}
-
-void CToken::Release() noexcept {
-  const std::size_t length = BufferLength();
-  unsigned char& count = ShareCount(mText, length);
-  if (--count == 0) ::operator delete(mText);
-  mText = nullptr;
-}
+AChar* CToken::CopyBuffer() const { return NewBuffer(mText, BufferLength()); }
 
 void CToken::StoreText(std::u16string_view text) {
   std::size_t length = text.size();
@@ -264,14 +242,6 @@ bool detail::ParsePlainDecimal(std::u16string_view text, double& value) noexcept
 // ---- Inspection ----------------------------------------------------------------------------
 
 AString CToken::GetAString() const { return AString(std::u16string_view(ACharPtr(), ACharLen())); }
-
-std::size_t CToken::ACharLen() const noexcept {
-  if (mText != nullptr) return BufferLength();
-  if (!IsString(mType)) return 0;
-  std::size_t length = 0;
-  while (length < 3 && mData.mInline[length] != 0) ++length;
-  return length;
-}
 
 AString CToken::GetTypeString() const {
   static constexpr const AChar* kNames[] = {u"Null",

@@ -5,7 +5,6 @@
 #include "wycore/io/TokenStream.h"
 
 #include "LocalCalls.h"
-
 #include "wycore/io/StreamError.h"
 #include "wycore/io/Token.h"
 

@@ -218,6 +218,7 @@ class WYCORE_API CBlock_item : public CStreamio_object {
   std::uint32_t RefCount() const noexcept { return mRefs; }
 
  protected:
+  friend struct CBlockTree;
   CToken mName;
 
  private:

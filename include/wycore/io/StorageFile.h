@@ -3,13 +3,15 @@
 // StorageFile.h - io::CStorageFile: whole storage files to and from the block tree.
 //
 // A storage file is a sequence of items (usually one or a few blocks) in the text form of
-// TextStream.h. Reading takes the whole file, decodes it (UTF-8 unless the caller names another
-// encoding; a UTF-8 byte-order mark is skipped; bytes that are not UTF-8 become U+FFFD, which
-// the lexer reports), and reads its items into an unnamed root block, collecting every error
-// with its line and column (CBlock::CollectErrors). Writing produces the canonical text of the
-// root's items and replaces the file atomically: the text goes to a temporary file in the same
-// directory, is flushed to disk, takes over the old file's permissions and is renamed over it,
-// so that a crash leaves either the old file or the new one, never a mixture.
+// TextStream.h. Reading decodes the file (UTF-8 unless the caller names another encoding; a
+// UTF-8 byte-order mark is skipped; bytes that are not UTF-8 become U+FFFD, which the lexer
+// reports) and reads its items into an unnamed root block, collecting every error with its line
+// and column (CBlock::CollectErrors). A UTF-8 file is read and decoded a piece at a time as the
+// reader goes, so that reading holds little more than the tree it builds; other encodings are
+// decoded whole first. Writing produces the canonical text of the root's items and replaces the
+// file atomically: the text goes to a temporary file in the same directory, is flushed to disk,
+// takes over the old file's permissions and is renamed over it, so that a crash leaves either
+// the old file or the new one, never a mixture.
 //
 // Deliberately not here: locking against other processes writing the same file, and any binary
 // form. Threading: the functions share no state; two threads may read different files at once.

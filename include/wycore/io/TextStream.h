@@ -25,6 +25,10 @@
 //  - indentation is one tab per block level unless BeginIndent names another fill;
 //  - a separator blank goes between two tokens only where they would otherwise run together.
 //
+// Reading shares text: a keyword or quoted text that recurs shares the buffer of its last
+// occurrence, so the tokens of one read (and of the tree built from them) share buffers as copies
+// of a token do, and are used by one thread at a time like them.
+//
 // Deliberately not here: files (StorageFile.h) and the block tree (Block.h).
 // Threading: every object here is used by one thread at a time.
 #pragma once
@@ -339,12 +343,12 @@ class WYCORE_API CToken_textstreambuf {
   WYCORE_NO_EXPORT void AssignText(CToken& out, CToken::TTokenType kind, std::u16string_view text);
   WYCORE_NO_EXPORT bool LexCommonToken(bool special, CToken& out);
   WYCORE_NO_EXPORT bool LexPlainNumber(std::size_t begin, CToken& out);
-  WYCORE_NO_EXPORT bool LexEscapedText(CBase_grammar::TCharClass quote, std::size_t begin, std::size_t escape,
-                      CToken& out);
+  WYCORE_NO_EXPORT bool LexEscapedText(CBase_grammar::TCharClass quote, std::size_t begin,
+                                       std::size_t escape, CToken& out);
   WYCORE_NO_EXPORT CToken LexToken(bool special);
   WYCORE_NO_EXPORT CToken FinishToken(CToken_grammar::TState state, std::u16string_view text);
   WYCORE_NO_EXPORT CToken MakeNumber(CToken::TTokenType kind, CToken_grammar::TState state,
-                    std::u16string_view text);
+                                     std::u16string_view text);
   WYCORE_NO_EXPORT bool MatchSpecialFloat(CToken& out);
   WYCORE_NO_EXPORT bool MatchCDataEnd();
   WYCORE_NO_EXPORT void RecoverFromFalseEndOfTextBlock(const StreamState& dollar);

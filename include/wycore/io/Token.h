@@ -26,6 +26,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <new>
+#include <string>
 #include <string_view>
 #include <type_traits>
 
@@ -157,7 +159,13 @@ class WYCORE_API CToken {
     return u"";
   }
   // The number of characters of the text (0 without text).
-  std::size_t ACharLen() const noexcept;
+  std::size_t ACharLen() const noexcept {
+    if (mText != nullptr) return BufferLength();
+    if (!IsString(mType)) return 0;
+    std::size_t length = 0;
+    while (length < 3 && mData.mInline[length] != 0) ++length;
+    return length;
+  }
   // The kind's name ("Null", "Short", ..., "Error"); empty for a kind byte above 21.
   AString GetTypeString() const;
 
@@ -294,11 +302,31 @@ class WYCORE_API CToken {
   // character because such a buffer's length is found by its terminating zero.
   void StoreText(std::u16string_view text);
   // The number of characters in the buffer (mText must not be null).
-  std::size_t BufferLength() const noexcept;
+  std::size_t BufferLength() const noexcept {
+    if (IsString(mType)) return static_cast<std::size_t>(mData.mLength);
+    return std::char_traits<AChar>::length(mText);
+  }
+  // The share count, the byte after the terminating zero (mText must not be null).
+  unsigned char& ShareCount() const noexcept {
+    return reinterpret_cast<unsigned char*>(mText)[BufferLength() * 2 + 2];
+  }
   // A share of this token's buffer for a copy: the same buffer with its count incremented, or a
-  // new buffer with the same characters when the count is full. mText must not be null.
-  AChar* AcquireShare() const;
-  void Release() noexcept;
+  // new buffer with the same characters when the count is full. mText must not be null. Inline,
+  // as tokens are copied and released per token read.
+  AChar* AcquireShare() const {
+    unsigned char& count = ShareCount();
+    if (count < 255) {
+      ++count;
+      return mText;
+    }
+    return CopyBuffer();
+  }
+  // A new buffer with this token's characters and the count 1.
+  AChar* CopyBuffer() const;
+  void Release() noexcept {
+    if (--ShareCount() == 0) ::operator delete(mText);
+    mText = nullptr;
+  }
 
   TTokenType mType = Null;
   AChar* mText = nullptr;  // the characters of the shared buffer, or null
