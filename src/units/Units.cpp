@@ -31,7 +31,7 @@ const AChar kDefaultDoubleFormat[] = u"%-.15g";
 // One printf conversion of a double inside literal text: "%-.15g", "x=%8.3f units", "%.2e%%".
 struct DoubleFormat {
   AString prefix;
-  std::string spec;  // the conversion, ASCII, e.g. "%-.15g"
+  std::string directive;  // the conversion, ASCII, e.g. "%-.15g"
   AString suffix;
 };
 
@@ -53,22 +53,22 @@ bool ParseDoubleFormat(const AString& format, DoubleFormat& out) {
       continue;
     }
     if (found) return false;
-    std::string spec = "%";
+    std::string directive = "%";
     std::size_t j = i + 1;
     while (j < format.size() && std::u16string_view(u"-+ #0").find(format[j]) != AString::npos) {
-      spec += static_cast<char>(format[j++]);
+      directive += static_cast<char>(format[j++]);
     }
     auto digits = [&]() {
       std::size_t count = 0;
       while (j < format.size() && format[j] >= u'0' && format[j] <= u'9') {
-        spec += static_cast<char>(format[j++]);
+        directive += static_cast<char>(format[j++]);
         ++count;
       }
       return count;
     };
     if (digits() > 3) return false;  // widths up to 999
     if (j < format.size() && format[j] == u'.') {
-      spec += '.';
+      directive += '.';
       ++j;
       if (digits() > 3) return false;
     }
@@ -78,8 +78,8 @@ bool ParseDoubleFormat(const AString& format, DoubleFormat& out) {
     if (std::u16string_view(u"eEfFgGaA").find(conversion) == std::u16string_view::npos) {
       return false;
     }
-    spec += static_cast<char>(conversion);
-    out.spec = spec;
+    directive += static_cast<char>(conversion);
+    out.directive = directive;
     found = true;
     literal = &out.suffix;
     i = j;
@@ -87,11 +87,11 @@ bool ParseDoubleFormat(const AString& format, DoubleFormat& out) {
   return found;
 }
 
-AString PrintDouble(const std::string& spec, double value) {
+AString PrintDouble(const std::string& directive, double value) {
   static const locale_t cLocale = newlocale(LC_ALL_MASK, "C", static_cast<locale_t>(0));
   const locale_t previous = cLocale != static_cast<locale_t>(0) ? uselocale(cLocale) : 0;
   char buffer[1200];
-  int n = std::snprintf(buffer, sizeof buffer, spec.c_str(), value);
+  int n = std::snprintf(buffer, sizeof buffer, directive.c_str(), value);
   if (previous != static_cast<locale_t>(0)) uselocale(previous);
   AString out;
   if (n < 0) return out;
@@ -111,7 +111,7 @@ AString FormatNumber(const AString& format, double value) {
     parsed = DoubleFormat();
     ParseDoubleFormat(AString(kDefaultDoubleFormat), parsed);
   }
-  return parsed.prefix + PrintDouble(parsed.spec, value) + parsed.suffix;
+  return parsed.prefix + PrintDouble(parsed.directive, value) + parsed.suffix;
 }
 
 // The text of x in the unit `unit` (null: SI), without unit; the special texts for non-finite x.
