@@ -41,7 +41,8 @@ int gPosted = 0;
 int gLastPostedCode = 0;
 
 [[noreturn]] void Fail(const char* what, const AString& text) {
-  std::fprintf(stderr, "ExpressionParseFuzzer: %s\n%s\n", what, text.Serialize(i18n::kUtf8).c_str());
+  std::fprintf(stderr, "ExpressionParseFuzzer: %s\n%s\n", what,
+               text.Serialize(i18n::kUtf8).c_str());
   std::abort();
 }
 

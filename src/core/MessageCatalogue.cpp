@@ -5,10 +5,10 @@
 // One row per message; %1, %2 and %3 stand for the posted arguments. Codes group by area:
 // 245xx-248xx expressions, 24540 and neighbours variables, 616xx-617xx materials.
 // Keep the table sorted by code: lookup is a binary search.
+#include "MessageCatalogue.h"
+
 #include <algorithm>
 #include <iterator>
-
-#include "MessageCatalogue.h"
 
 namespace wycore::detail {
 namespace {

@@ -57,7 +57,6 @@ int CompareUnits(std::u16string_view a, std::u16string_view b) {
   return Sign(a.compare(b));  // char_traits<char16_t> compares code units as unsigned values
 }
 
-
 // The code units of `text`, one wchar_t each and zero-terminated, for the C runtime's number
 // readers. They look only at ASCII characters, so an index into the copy is an index into the
 // string; a character that is not ASCII simply ends the number.
@@ -305,9 +304,8 @@ bool AString::IsLabel() const {
   if (empty()) return false;
   const AChar first = front();
   if (first != u'_' && !i18n::detail::IsAlpha(first)) return false;
-  return std::all_of(begin() + 1, end(), [](AChar c) {
-    return c == u'_' || i18n::detail::IsAlnum(c);
-  });
+  return std::all_of(begin() + 1, end(),
+                     [](AChar c) { return c == u'_' || i18n::detail::IsAlnum(c); });
 }
 
 bool AString::IsNumber(long& value, int base) const {

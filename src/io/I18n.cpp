@@ -40,7 +40,8 @@ AChar FoldCase(AChar c) { return detail::Fold(c); }
 
 AChar UpperCase(AChar c) {
   if (c >= u'a' && c <= u'z') return static_cast<AChar>(c - 32);
-  if (c > 127) return static_cast<AChar>(towupper_l(static_cast<wint_t>(c), detail::CharacterLocale()));
+  if (c > 127)
+    return static_cast<AChar>(towupper_l(static_cast<wint_t>(c), detail::CharacterLocale()));
   return c;
 }
 

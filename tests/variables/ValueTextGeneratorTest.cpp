@@ -140,13 +140,35 @@ TEST_F(ValueTextGeneratorTest, WritesOnlyTheParenthesesTheRanksRequire) {
 
 TEST_F(ValueTextGeneratorTest, RegeneratedTextReadsBackToTheSameTextAndValue) {
   const char* const texts[] = {
-      "(a+b)*c",       "a-(b-c)",      "a+(-b)",        "-(a+b)^2",  "(-a)^b",
-      "a^-b^c",        "-(-3)*a",      "2^(3^4)",       "!(a^2)+1",  "a==(b<c)",
-      "(a||b)&&!c",    "max(a-b, -c)", "abs(-(a-b))/c", "1in + 3mm", "2*x + 1e-20",
-      "(1+2j)*(a-3j)", "a/(b/c)",      "a-(b+c)-(a-b)", "-a^2*-b",   "sin(a)^-2",
-      "0.1+0.2",       "a < b > c",    "(a<b)==(c>=a)", "-(a<b)",    "inf*a",
+      "(a+b)*c",
+      "a-(b-c)",
+      "a+(-b)",
+      "-(a+b)^2",
+      "(-a)^b",
+      "a^-b^c",
+      "-(-3)*a",
+      "2^(3^4)",
+      "!(a^2)+1",
+      "a==(b<c)",
+      "(a||b)&&!c",
+      "max(a-b, -c)",
+      "abs(-(a-b))/c",
+      "1in + 3mm",
+      "2*x + 1e-20",
+      "(1+2j)*(a-3j)",
+      "a/(b/c)",
+      "a-(b+c)-(a-b)",
+      "-a^2*-b",
+      "sin(a)^-2",
+      "0.1+0.2",
+      "a < b > c",
+      "(a<b)==(c>=a)",
+      "-(a<b)",
+      "inf*a",
       // Complex numbers in units with an offset, as the expression fuzzer found them.
-      "2j cel",        "-1-2J cel",    "a - 5cel - (1 + 2j kel)",
+      "2j cel",
+      "-1-2J cel",
+      "a - 5cel - (1 + 2j kel)",
   };
   for (const char* text : texts) {
     SCOPED_TRACE(text);
